@@ -1,6 +1,7 @@
 // Beginning, end, size and switch of a set.
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 
 #include "records/frame.hpp"
 

@@ -1,0 +1,402 @@
+// The multi-pass reader of xs files.
+//
+// The file is loaded once; then every pass walks all its lines with the same
+// line handling and the same table of states, and learns one more level of
+// counts.  After each pass the next level of arrays is allocated with its
+// final size, and the last pass converts the data lines and stores them.
+// Nothing is ever reallocated.
+//
+//   pass | dim 0               | dim 1                | dim 2
+//   0    | header, companions, number of shells (all dimensions)
+//   1    | shell numbers; records per shell (data lines or "!eproj")
+//   2    | data stored         | E, km; points/record | E, km; "!esec"/record
+//   3    |                     | data stored          | dv1; rows per "!esec"
+//   4    |                     |                      | data stored
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "companions/alloc.hpp"
+#include "files/format.hpp"
+#include "records/frame.hpp"
+
+namespace {
+
+using namespace vlk::xs;
+
+struct FreeDeleter {
+    void operator()(void *p) const noexcept { std::free(p); }
+};
+using TextCopy = std::unique_ptr<char, FreeDeleter>;
+
+// The file memory record, closed on every way out of the read.
+struct FileMemory {
+    SUFILEMEM fm{};
+    int32_t trace;
+    explicit FileMemory(int32_t t) : trace(t) { uFileMemInit(&fm, trace); }
+    ~FileMemory() { uFileMemClose(&fm, trace); }
+    FileMemory(const FileMemory &) = delete;
+    FileMemory &operator=(const FileMemory &) = delete;
+};
+
+// The offending line of a failed read outlives the file image: the returned
+// record points at this copy, which stays until the thread's next failed read.
+const char *keep_line(const char *text, int32_t len) {
+    thread_local std::string copy;
+    copy.assign(text, len > 0 ? static_cast<std::size_t>(len) : 0);
+    return copy.c_str();
+}
+
+class Reader {
+public:
+    Reader(SVLKXS &set, const char *path, int32_t mode, SCMDSTATUS &st, SUFILEMEM &fm)
+        : set_(set), path_(path), mode_(mode), trace_(vlk::trace_bit(mode)), st_(st), fm_(fm) {}
+
+    // All passes and the work at their ends.  False with the running record
+    // holding the failure.
+    bool run() {
+        for (pass_ = 0; pass_ < npass_; ++pass_) {
+            if (!walk()) return false;
+            if (!end_of_pass()) return false;
+        }
+        return true;
+    }
+
+private:
+    bool fail(int32_t code) {
+        vlk::fail(st_, code);
+        return false;
+    }
+    bool last_pass() const { return pass_ == npass_ - 1; }
+    SVLKXSSH &shell() { return set_.pShell[cur_shell_]; }
+    SVLKXSE &energy() { return shell().pE[cur_e_]; }
+
+    void warn(SCMDSTATUS copy, int32_t code) {
+        copy.code = code;
+        copy.level = vlk::kLevelWarning;
+        copy.origin = vlk::op::Read.tag;
+        VLKXSError(&copy, trace_);
+    }
+
+    int8_t next_state(int32_t kind) const { return bvStateTable[dim_][kind][state_]; }
+
+    void reset_counts() {
+        cnt_shell_ = cur_shell_ = cnt_e_ = cur_e_ = cnt1_ = cur1_ = cnt2_ = 0;
+    }
+
+    bool walk() {
+        st_.file = path_;
+        uFileMemLineFirst(&fm_, trace_);
+        int32_t iline = 0;
+        state_ = 0;
+        cnt_shell_ = cur_shell_ = cnt_e_ = cur_e_ = 0;
+        while (uFileMemLineNext(&fm_, trace_) == 0) {
+            ++iline;
+            st_.line = iline;
+            st_.text = fm_.pLine;
+            st_.textlen = static_cast<int32_t>(fm_.nLine);
+            const std::string_view line = trim_blanks(std::string_view(fm_.pLine, fm_.nLine));
+            bool ok = true;
+            switch (classify(line)) {
+                case LineKind::Empty:
+                case LineKind::Comment: break;
+                case LineKind::Tag: ok = tag_line(line); break;
+                case LineKind::Data: ok = data_line(line); break;
+            }
+            if (!ok) return false;
+        }
+        st_.line = 0;
+        st_.text = nullptr;
+        st_.textlen = 0;
+        return true;
+    }
+
+    bool tag_line(std::string_view line) {
+        const int32_t tag = match_tag(line);
+        if (tag == kUnknownTag) {
+            // The file stays readable: warn, and hide the data lines below.
+            warn(st_, VLKXS_C_R_UNKNOWNTAG);
+            itag_ = kUnknownTag;
+            return true;
+        }
+        itag_ = tag;
+        const std::string_view arg = tag_argument(line, tag);
+        TextCopy copy(vlk::dup_text(arg.data(), arg.size()));
+        if (!copy) return fail(VLKXS_C_RUNTIME);
+        if (vlk::traced(mode_)) std::fprintf(stderr, "<D> %d %d =>", tag, state_);
+        const int8_t next = next_state(tag);
+        if (vlk::traced(mode_)) std::fprintf(stderr, " %d\n", next);
+        state_ = next;
+        if (next < 0) return fail(VLKXS_C_R_SYNTAX);
+        switch (tag) {
+            case 0: return filetype(copy.get());
+            case 1: return fileversion(arg);
+            case 2: return true;
+            case 3: return target(copy.get());
+            case 4: return projectile(copy.get());
+            case 5: return shell_tag(arg);
+            case 6: return eproj(arg);
+            default: return esec(arg);
+        }
+    }
+
+    bool filetype(char *copy) {
+        char *words[3] = {nullptr, nullptr, nullptr};
+        if (c2vc(copy, words, 1, 3) <= 2 || stricnb(words[0], "xs") != 0) return fail(VLKXS_C_R_FILETYPE);
+        SCMDSTATUS r = VLKXSIATypeFromStr(&set_, words[1], mode_);
+        if (vlk::severe(r.level)) return vlk::take_code(st_, r), false;
+        r = VLKXSIADimFromStr(&set_, words[2], mode_);
+        if (vlk::severe(r.level)) return vlk::take_code(st_, r), false;
+        dim_ = set_.dim;
+        npass_ = 3 + dim_;
+        return true;
+    }
+
+    // The argument is looked at in the line itself: a line that ends right at
+    // the tag has its terminating 0 byte there, while trailing blanks leave a
+    // blank there and an empty number for cn2l to judge.
+    bool fileversion(std::string_view arg) {
+        if (*arg.data() == '\0') return fail(VLKXS_C_R_VERSION);
+        int32_t version = 0;
+        if (cn2l(arg.data(), static_cast<int32_t>(arg.size()), &version) < 0) return fail(VLKXS_C_R_NUMBER);
+        return true;
+    }
+
+    bool target(const char *copy) {
+        if (pass_ == 0 && vlk::severe(VLKTargImportMaterial(&set_.targ, copy, 0).level)) return fail(VLKXS_C_R_TARGET);
+        reset_counts();
+        return true;
+    }
+
+    bool projectile(const char *copy) {
+        if (pass_ == 0 && vlk::severe(VLKProjFromStr(&set_.proj, copy, 0).level)) return fail(VLKXS_C_R_PROJECTILE);
+        reset_counts();
+        return true;
+    }
+
+    bool shell_tag(std::string_view arg) {
+        int32_t number = 0;
+        if (cn2l(arg.data(), static_cast<int32_t>(arg.size()), &number) < 0) return fail(VLKXS_C_R_NUMBER);
+        if (number < 0) return fail(VLKXS_C_R_SHELL);
+        if (pass_ == 1) {
+            for (int32_t i = 0; i < cnt_shell_; ++i)
+                if (set_.pShell[i].shell == number) return fail(VLKXS_C_R_DUPSHELL);
+            set_.pShell[cnt_shell_].shell = number;
+            set_.pShell[cnt_shell_].at = st_;
+        }
+        cur_shell_ = cnt_shell_++;
+        cnt_e_ = cur_e_ = cnt1_ = cur1_ = cnt2_ = 0;
+        return true;
+    }
+
+    bool eproj(std::string_view arg) {
+        double v[3] = {0, 0, 0};
+        if (cn2vd(arg.data(), static_cast<int32_t>(arg.size()), v, 1, 3) < 1) return fail(VLKXS_C_R_SYNTAX);
+        if (v[0] < 0) return fail(VLKXS_C_R_EPROJ);
+        if (pass_ == 1) shell().nE = cnt_e_ + 1;
+        if (pass_ == 2) {
+            SVLKXSSH &sh = shell();
+            for (int32_t j = 0; j < cnt_e_; ++j)
+                if (sh.pE[j].E == v[0]) return fail(VLKXS_C_R_DUPEPROJ);
+            SVLKXSE &e = sh.pE[cnt_e_];
+            e.E = v[0];
+            if (sh.shell == 0) e.km = v[1];
+            e.at = st_;
+        }
+        cur_e_ = cnt_e_++;
+        cnt1_ = cur1_ = cnt2_ = 0;
+        return true;
+    }
+
+    bool esec(std::string_view arg) {
+        double w = 0;
+        if (cn2d(arg.data(), static_cast<int32_t>(arg.size()), &w) < 0) return fail(VLKXS_C_R_NUMBER);
+        if (w < 0) return fail(VLKXS_C_R_ESEC);
+        if (pass_ == 2) energy().n1 = cnt1_ + 1;
+        if (pass_ == 3) {
+            SVLKXSE &e = energy();
+            for (int32_t k = 0; k < cnt1_; ++k)
+                if (e.dv1[k] == w) return fail(VLKXS_C_R_DUPESEC);
+            e.dv1[cnt1_] = w;
+        }
+        cur1_ = cnt1_++;
+        cnt2_ = 0;
+        return true;
+    }
+
+    bool data_line(std::string_view line) {
+        if (itag_ == kUnknownTag) return true;  // hidden by an unknown tag
+        if (vlk::traced(mode_)) std::fprintf(stderr, "<D> data: %d %d =>", kDataLine, state_);
+        const int8_t next = next_state(kDataLine);
+        if (vlk::traced(mode_)) std::fprintf(stderr, " %d\n", next);
+        state_ = next;
+        if (next < 0) return fail(VLKXS_C_R_SYNTAX);
+        if (next == 11) {
+            itag_ = kDataLine;
+            return true;
+        }
+        double v[3] = {0, 0, 0};
+        if (last_pass()) {
+            const int32_t n = cn2vd(line.data(), static_cast<int32_t>(line.size()), v, 1, 3);
+            if (n < 1) return fail(VLKXS_C_R_SYNTAX);
+            if (n == 1) return fail(VLKXS_C_R_TOOFEW);
+            for (int32_t i = 1; i < n && i < 3; ++i)
+                if (v[i] < 0) return fail(VLKXS_C_R_DATA);
+        }
+        if (pass_ >= dim_ + 1) count_row(v);
+        itag_ = kDataLine;
+        return true;
+    }
+
+    // One row of a table: counted in the two last passes, stored in the last.
+    void count_row(const double (&v)[3]) {
+        switch (dim_) {
+            case 0: {
+                SVLKXSSH &sh = shell();
+                if (last_pass()) {
+                    SVLKXSE &e = sh.pE[cnt_e_];
+                    e.E = v[0];
+                    e.sigtot = v[1];
+                    if (sh.shell == 0) e.km = v[2];
+                }
+                sh.nE = cnt_e_ + 1;
+                cur_e_ = cnt_e_++;
+                break;
+            }
+            case 1: {
+                SVLKXSE &e = energy();
+                if (last_pass()) {
+                    e.dv1[cnt1_] = v[0];
+                    e.dvSig1[cnt1_] = v[1];
+                }
+                e.n1 = cnt1_ + 1;
+                cur1_ = cnt1_++;
+                break;
+            }
+            default: {
+                SVLKXSE &e = energy();
+                if (last_pass()) {
+                    e.pdv2[cur1_][cnt2_] = v[0];
+                    e.pdvSig2[cur1_][cnt2_] = v[1];
+                }
+                e.nv2[cur1_] = cnt2_ + 1;
+                ++cnt2_;
+                break;
+            }
+        }
+    }
+
+    template <class T>
+    bool make(T *&p, int32_t n) {
+        p = vlk::zalloc_n<T>(static_cast<std::size_t>(n));
+        return p != nullptr || fail(VLKXS_C_RUNTIME);
+    }
+
+    // Allocates the next level of arrays, each at its counted size; an empty
+    // section only warns, pointing at its "!shell" or "!eproj" line.
+    bool end_of_pass() {
+        switch (pass_) {
+            case 0:
+                if (cnt_shell_ < 1) return fail(VLKXS_C_R_NSHELL);
+                if (!make(set_.pShell, cnt_shell_)) return false;
+                set_.nShell = cnt_shell_;
+                return true;
+            case 1:
+                for (int32_t i = 0; i < set_.nShell; ++i) {
+                    SVLKXSSH &sh = set_.pShell[i];
+                    if (sh.nE < 1) {
+                        warn(sh.at, VLKXS_C_R_NODATA);
+                        continue;
+                    }
+                    if (!make(sh.pE, sh.nE)) return false;
+                }
+                return true;
+            case 2:
+                if (dim_ < 1) return true;
+                return for_each_energy([&](SVLKXSE &e) {
+                    if (e.n1 < 1) {
+                        warn(e.at, VLKXS_C_R_NODATA);
+                        return true;
+                    }
+                    if (!make(e.dv1, e.n1) || !make(e.dvSig1, e.n1)) return false;
+                    if (dim_ == 2 && (!make(e.nv2, e.n1) || !make(e.pdv2, e.n1) || !make(e.pdvSig2, e.n1)))
+                        return false;
+                    return true;
+                });
+            case 3:
+                if (dim_ < 2) return true;
+                return for_each_energy([&](SVLKXSE &e) {
+                    if (e.nv2 == nullptr) return true;
+                    for (int32_t k = 0; k < e.n1; ++k) {
+                        if (e.nv2[k] < 1) {
+                            warn(e.at, VLKXS_C_R_NODATA);
+                            continue;
+                        }
+                        if (!make(e.pdv2[k], e.nv2[k]) || !make(e.pdvSig2[k], e.nv2[k])) return false;
+                    }
+                    return true;
+                });
+            default: return true;
+        }
+    }
+
+    template <class F>
+    bool for_each_energy(F &&f) {
+        for (int32_t i = 0; i < set_.nShell; ++i) {
+            SVLKXSSH &sh = set_.pShell[i];
+            if (sh.pE == nullptr) continue;
+            for (int32_t j = 0; j < sh.nE; ++j)
+                if (!f(sh.pE[j])) return false;
+        }
+        return true;
+    }
+
+    SVLKXS &set_;
+    const char *path_;
+    int32_t mode_;
+    int32_t trace_;
+    SCMDSTATUS &st_;
+    SUFILEMEM &fm_;
+    int32_t pass_ = 0;
+    int32_t npass_ = 1;  // the first "!filetype" line decides on the others
+    int32_t dim_ = 0;
+    int32_t itag_ = -1;  // no tag yet
+    int32_t state_ = 0;
+    int32_t cnt_shell_ = 0, cur_shell_ = 0, cnt_e_ = 0, cur_e_ = 0;
+    int32_t cnt1_ = 0, cur1_ = 0, cnt2_ = 0;
+};
+
+}  // namespace
+
+SCMDSTATUS VLKXSRead(SVLKXS *set, const char *path, int32_t mode) {
+    return vlk::run(
+        vlk::op::Read, mode,
+        [&](SCMDSTATUS &st) {
+            FileMemory mem(vlk::trace_bit(mode));
+            if (set == nullptr) return;
+            VLKXSInit(set, mode);
+            if (path == nullptr) return;
+            if (uFileMemOpen(&mem.fm, path, 1, mem.trace) != 0 || uFileMemRead(&mem.fm, mem.trace) != 0) {
+                st.item = path;
+                vlk::fail(st, VLKXS_C_RUNTIME);
+                return;
+            }
+            if (vlk::traced(mode)) std::fprintf(stderr, "<D> strdup(%s)...\n", path);
+            set->infile = vlk::dup_text(path);
+            if (set->infile == nullptr) {
+                vlk::fail(st, VLKXS_C_RUNTIME);
+                return;
+            }
+            Reader reader(*set, path, mode, st, mem.fm);
+            if (reader.run()) {
+                vlk::succeed(st);
+            } else if (st.text != nullptr) {
+                st.text = keep_line(st.text, st.textlen);
+            }
+        },
+        [&] {
+            if (set != nullptr) VLKXSFree(set, mode);
+        });
+}
