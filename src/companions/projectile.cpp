@@ -25,20 +25,6 @@ constexpr const char *kIsValid = "vlkproj(IsValid)";
 constexpr const char *kInspect = "vlkproj(Inspect)";
 constexpr const char *kFromStr = "vlkproj(FromStr)";
 
-// Writes the trace lines of one call: entry now, exit when the scope ends
-// (after the returned status has been built).
-class Trace {
-public:
-    Trace(const char *tag, int32_t mode) noexcept : tag_(tag), mode_(mode) { vlk::trace_enter(tag_, mode_); }
-    ~Trace() { vlk::trace_leave(tag_, mode_); }
-    Trace(const Trace &) = delete;
-    Trace &operator=(const Trace &) = delete;
-
-private:
-    const char *tag_;
-    int32_t mode_;
-};
-
 // Rest energies in keV (CODATA 1986 values, which the rest of the module
 // uses as well).
 constexpr double kElectronKeV = 510.99906;
@@ -59,9 +45,9 @@ struct Particle {
     int32_t type;
     int32_t Z;
     int32_t A;
-    double charge;       // elementary charges
-    double mass;         // rest energy, keV
-    bool bare_ion;       // the particle that "<element><Z>+" stands for
+    double charge;  // elementary charges
+    double mass;    // rest energy, keV
+    bool bare_ion;  // the particle that "<element><Z>+" stands for
 };
 
 // Ions are the bare nuclei of the most abundant isotope; their rest energies
@@ -166,123 +152,116 @@ const char *printable(const char *s) noexcept { return s != nullptr ? s : "(null
 }  // namespace
 
 SCMDSTATUS VLKProjInit(SVLKPROJ *proj, int32_t mode) {
-    Trace trace(kInit, mode);
-    SCMDSTATUS s = vlk::start_status(kInit);
-    if (proj == nullptr) return s;
-    zero(*proj);
-    vlk::succeed(s);
-    return s;
+    return vlk::companion_frame(kInit, mode, [&](SCMDSTATUS &s) {
+        if (proj == nullptr) return;
+        zero(*proj);
+        vlk::succeed(s);
+    });
 }
 
 SCMDSTATUS VLKProjFree(SVLKPROJ *proj, int32_t mode) {
-    Trace trace(kFree, mode);
-    SCMDSTATUS s = vlk::start_status(kFree);
-    if (proj == nullptr) return s;
-    release(*proj);
-    vlk::succeed(s);
-    return s;
+    return vlk::companion_frame(kFree, mode, [&](SCMDSTATUS &s) {
+        if (proj == nullptr) return;
+        release(*proj);
+        vlk::succeed(s);
+    });
 }
 
 // Texts count whether the record owns them or borrows them.
 SCMDSTATUS VLKProjSpace(SVLKPROJ *proj, int32_t mode) {
-    Trace trace(kSpace, mode);
-    SCMDSTATUS s = vlk::start_status(kSpace);
-    if (proj == nullptr) return s;
-    proj->space = static_cast<uint32_t>(sizeof(SVLKPROJ)) + text_bytes(proj->name) + text_bytes(proj->symbol);
-    vlk::succeed(s);
-    return s;
+    return vlk::companion_frame(kSpace, mode, [&](SCMDSTATUS &s) {
+        if (proj == nullptr) return;
+        proj->space = static_cast<uint32_t>(sizeof(SVLKPROJ)) + text_bytes(proj->name) + text_bytes(proj->symbol);
+        vlk::succeed(s);
+    });
 }
 
 SCMDSTATUS VLKProjDup(SVLKPROJ *dst, const SVLKPROJ *src, int32_t mode) {
-    Trace trace(kDup, mode);
-    SCMDSTATUS s = vlk::start_status(kDup);
-    if (dst == nullptr || src == nullptr) return s;
-    // Work on a copy: dst may be src itself or a byte copy of it, and its
-    // pointers are never released here.
-    SVLKPROJ copy;
-    std::memcpy(&copy, src, sizeof copy);
-    if ((mode & VLKXS_MODE_SHALLOW) != 0) {
-        copy.own &= ~VLKPROJ_OWNS;
+    return vlk::companion_frame(kDup, mode, [&](SCMDSTATUS &s) {
+        if (dst == nullptr || src == nullptr) return;
+        // Work on a copy: dst may be src itself or a byte copy of it, and its
+        // pointers are never released here.
+        SVLKPROJ copy;
+        std::memcpy(&copy, src, sizeof copy);
+        if ((mode & VLKXS_MODE_SHALLOW) != 0) {
+            copy.own &= ~VLKPROJ_OWNS;
+            *dst = copy;
+            vlk::succeed(s);
+            return;
+        }
+        char *name = nullptr;
+        char *symbol = nullptr;
+        bool ok = true;
+        if (copy.name != nullptr) ok = (name = vlk::dup_text(copy.name)) != nullptr;
+        if (ok && copy.symbol != nullptr) ok = (symbol = vlk::dup_text(copy.symbol)) != nullptr;
+        if (!ok) {
+            std::free(name);
+            std::free(symbol);
+            zero(*dst);
+            vlk::fail(s, VLKXS_C_RUNTIME);
+            return;
+        }
+        copy.name = name;
+        copy.symbol = symbol;
+        copy.own |= VLKPROJ_OWNS;
         *dst = copy;
         vlk::succeed(s);
-        return s;
-    }
-    char *name = nullptr;
-    char *symbol = nullptr;
-    bool ok = true;
-    if (copy.name != nullptr) ok = (name = vlk::dup_text(copy.name)) != nullptr;
-    if (ok && copy.symbol != nullptr) ok = (symbol = vlk::dup_text(copy.symbol)) != nullptr;
-    if (!ok) {
-        std::free(name);
-        std::free(symbol);
-        zero(*dst);
-        vlk::fail(s, VLKXS_C_RUNTIME);
-        return s;
-    }
-    copy.name = name;
-    copy.symbol = symbol;
-    copy.own |= VLKPROJ_OWNS;
-    *dst = copy;
-    vlk::succeed(s);
-    return s;
+    });
 }
 
 // VLKXS_MODE_CHECK, which VLKXSIsValid passes, asks for no further test:
 // every check below is made in every mode.
 SCMDSTATUS VLKProjIsValid(const SVLKPROJ *proj, int32_t mode) {
-    Trace trace(kIsValid, mode);
-    SCMDSTATUS s = vlk::start_status(kIsValid);
-    if (proj == nullptr) return s;
-    const bool named = proj->name != nullptr && proj->name[0] != '\0';
-    const bool symbolled = proj->symbol != nullptr && proj->symbol[0] != '\0';
-    const bool typed = proj->type >= 0 && proj->type <= VLKPROJ_ION;
-    if (named && symbolled && typed)
-        vlk::succeed(s);
-    else
-        vlk::fail(s, VLKXS_C_BADPROJ);
-    return s;
+    return vlk::companion_frame(kIsValid, mode, [&](SCMDSTATUS &s) {
+        if (proj == nullptr) return;
+        const bool named = proj->name != nullptr && proj->name[0] != '\0';
+        const bool symbolled = proj->symbol != nullptr && proj->symbol[0] != '\0';
+        const bool typed = proj->type >= 0 && proj->type <= VLKPROJ_ION;
+        if (named && symbolled && typed)
+            vlk::succeed(s);
+        else
+            vlk::fail(s, VLKXS_C_BADPROJ);
+    });
 }
 
 SCMDSTATUS VLKProjInspect(const SVLKPROJ *proj, int32_t mode) {
-    Trace trace(kInspect, mode);
-    SCMDSTATUS s = vlk::start_status(kInspect);
-    if (proj == nullptr) return s;
-    std::fprintf(stderr, "<D> SVLKPROJ=%p\n", static_cast<const void *>(proj));
-    std::fprintf(stderr, "      type=%d\n", proj->type);
-    std::fprintf(stderr, "      name=%s\n", printable(proj->name));
-    std::fprintf(stderr, "    symbol=%s\n", printable(proj->symbol));
-    std::fprintf(stderr, "    charge=%g\n", proj->charge);
-    std::fprintf(stderr, "      mass=%.10g keV\n", proj->mass);
-    std::fprintf(stderr, "         Z=%d\n", proj->Z);
-    std::fprintf(stderr, "         A=%d\n", proj->A);
-    std::fprintf(stderr, "       own=%u\n", proj->own);
-    std::fprintf(stderr, "     space=%u\n", proj->space);
-    vlk::succeed(s);
-    return s;
+    return vlk::companion_frame(kInspect, mode, [&](SCMDSTATUS &s) {
+        if (proj == nullptr) return;
+        std::fprintf(stderr, "<D> SVLKPROJ=%p\n", static_cast<const void *>(proj));
+        std::fprintf(stderr, "      type=%d\n", proj->type);
+        std::fprintf(stderr, "      name=%s\n", printable(proj->name));
+        std::fprintf(stderr, "    symbol=%s\n", printable(proj->symbol));
+        std::fprintf(stderr, "    charge=%g\n", proj->charge);
+        std::fprintf(stderr, "      mass=%.10g keV\n", proj->mass);
+        std::fprintf(stderr, "         Z=%d\n", proj->Z);
+        std::fprintf(stderr, "         A=%d\n", proj->A);
+        std::fprintf(stderr, "       own=%u\n", proj->own);
+        std::fprintf(stderr, "     space=%u\n", proj->space);
+        vlk::succeed(s);
+    });
 }
 
 // The record is released first and is left empty on any failure.
 SCMDSTATUS VLKProjFromStr(SVLKPROJ *proj, const char *text, int32_t mode) {
-    Trace trace(kFromStr, mode);
-    SCMDSTATUS s = vlk::start_status(kFromStr);
-    if (proj == nullptr) return s;
-    release(*proj);
-    if (text == nullptr) return s;
-    const Particle *q = find_particle(text);
-    if (q == nullptr) {
-        vlk::fail(s, VLKXS_C_NOPROJ);
-        return s;
-    }
-    char *name = vlk::dup_text(q->name);
-    char *symbol = name != nullptr ? vlk::dup_text(q->symbol) : nullptr;
-    if (symbol == nullptr) {
-        std::free(name);
-        vlk::fail(s, VLKXS_C_RUNTIME);
-        return s;
-    }
-    *proj = make(*q, name, symbol, VLKPROJ_OWNS);
-    vlk::succeed(s);
-    return s;
+    return vlk::companion_frame(kFromStr, mode, [&](SCMDSTATUS &s) {
+        if (proj == nullptr) return;
+        release(*proj);
+        if (text == nullptr) return;
+        const Particle *q = find_particle(text);
+        if (q == nullptr) {
+            vlk::fail(s, VLKXS_C_NOPROJ);
+            return;
+        }
+        char *name = vlk::dup_text(q->name);
+        char *symbol = name != nullptr ? vlk::dup_text(q->symbol) : nullptr;
+        if (symbol == nullptr) {
+            std::free(name);
+            vlk::fail(s, VLKXS_C_RUNTIME);
+            return;
+        }
+        *proj = make(*q, name, symbol, VLKPROJ_OWNS);
+        vlk::succeed(s);
+    });
 }
 
 // The texts are static and only borrowed: the own bit stays clear, so Free

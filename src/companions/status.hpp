@@ -50,4 +50,17 @@ inline void fail(SCMDSTATUS &s, int32_t code) noexcept {
     s.level = kLevelError;
 }
 
+// The frame of an operation of the companion layer: trace lines around
+// `body(status)`, which starts from the start status and calls succeed()
+// once it has done its work.  Companions never report: the caller decides
+// what a failure means to it.
+template <class Body>
+SCMDSTATUS companion_frame(const char *tag, int32_t mode, Body &&body) noexcept {
+    trace_enter(tag, mode);
+    SCMDSTATUS s = start_status(tag);
+    body(s);
+    trace_leave(tag, mode);
+    return s;
+}
+
 }  // namespace vlk

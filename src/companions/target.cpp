@@ -27,19 +27,6 @@ constexpr const char *kIsValid = "vlktarg(IsValid)";
 constexpr const char *kInspect = "vlktarg(Inspect)";
 constexpr const char *kImport = "vlktarg(ImportMaterial)";
 
-// Writes the trace lines of one call: entry now, exit when the scope ends.
-class Trace {
-public:
-    Trace(const char *tag, int32_t mode) noexcept : tag_(tag), mode_(mode) { vlk::trace_enter(tag_, mode_); }
-    ~Trace() { vlk::trace_leave(tag_, mode_); }
-    Trace(const Trace &) = delete;
-    Trace &operator=(const Trace &) = delete;
-
-private:
-    const char *tag_;
-    int32_t mode_;
-};
-
 void zero(SVLKTARG &t) noexcept { std::memset(&t, 0, sizeof t); }
 
 void release(SVLKTARG &t) noexcept {
@@ -78,138 +65,131 @@ const char *printable(const char *s) noexcept { return s != nullptr ? s : "(null
 }  // namespace
 
 SCMDSTATUS VLKTargInit(SVLKTARG *targ, int32_t mode) {
-    Trace trace(kInit, mode);
-    SCMDSTATUS s = vlk::start_status(kInit);
-    if (targ == nullptr) return s;
-    zero(*targ);
-    vlk::succeed(s);
-    return s;
+    return vlk::companion_frame(kInit, mode, [&](SCMDSTATUS &s) {
+        if (targ == nullptr) return;
+        zero(*targ);
+        vlk::succeed(s);
+    });
 }
 
 SCMDSTATUS VLKTargFree(SVLKTARG *targ, int32_t mode) {
-    Trace trace(kFree, mode);
-    SCMDSTATUS s = vlk::start_status(kFree);
-    if (targ == nullptr) return s;
-    release(*targ);
-    vlk::succeed(s);
-    return s;
+    return vlk::companion_frame(kFree, mode, [&](SCMDSTATUS &s) {
+        if (targ == nullptr) return;
+        release(*targ);
+        vlk::succeed(s);
+    });
 }
 
 // Name and shell rows count whether the record owns them or borrows them.
 SCMDSTATUS VLKTargSpace(SVLKTARG *targ, int32_t mode) {
-    Trace trace(kSpace, mode);
-    SCMDSTATUS s = vlk::start_status(kSpace);
-    if (targ == nullptr) return s;
-    std::size_t bytes = sizeof(SVLKTARG) + shell_rows(*targ) * sizeof(SVLKTARGSH);
-    if (targ->name != nullptr) bytes += std::strlen(targ->name) + 1;
-    targ->space = static_cast<uint32_t>(bytes);
-    vlk::succeed(s);
-    return s;
+    return vlk::companion_frame(kSpace, mode, [&](SCMDSTATUS &s) {
+        if (targ == nullptr) return;
+        std::size_t bytes = sizeof(SVLKTARG) + shell_rows(*targ) * sizeof(SVLKTARGSH);
+        if (targ->name != nullptr) bytes += std::strlen(targ->name) + 1;
+        targ->space = static_cast<uint32_t>(bytes);
+        vlk::succeed(s);
+    });
 }
 
 SCMDSTATUS VLKTargDup(SVLKTARG *dst, const SVLKTARG *src, int32_t mode) {
-    Trace trace(kDup, mode);
-    SCMDSTATUS s = vlk::start_status(kDup);
-    if (dst == nullptr || src == nullptr) return s;
-    // Work on a copy: dst may be src itself or a byte copy of it, and its
-    // pointers are never released here.
-    SVLKTARG copy;
-    std::memcpy(&copy, src, sizeof copy);
-    if ((mode & VLKXS_MODE_SHALLOW) != 0) {
-        copy.own &= ~VLKTARG_OWNS;
+    return vlk::companion_frame(kDup, mode, [&](SCMDSTATUS &s) {
+        if (dst == nullptr || src == nullptr) return;
+        // Work on a copy: dst may be src itself or a byte copy of it, and its
+        // pointers are never released here.
+        SVLKTARG copy;
+        std::memcpy(&copy, src, sizeof copy);
+        if ((mode & VLKXS_MODE_SHALLOW) != 0) {
+            copy.own &= ~VLKTARG_OWNS;
+            *dst = copy;
+            vlk::succeed(s);
+            return;
+        }
+        char *name = nullptr;
+        SVLKTARGSH *rows = nullptr;
+        bool ok = true;
+        if (copy.name != nullptr) ok = (name = vlk::dup_text(copy.name)) != nullptr;
+        const std::size_t n = shell_rows(copy);
+        if (ok && n > 0) {
+            rows = vlk::zalloc_n<SVLKTARGSH>(n);
+            ok = rows != nullptr;
+            if (ok) std::memcpy(rows, copy.pShell, n * sizeof(SVLKTARGSH));
+        }
+        if (!ok) {
+            std::free(name);
+            std::free(rows);
+            zero(*dst);
+            vlk::fail(s, VLKXS_C_RUNTIME);
+            return;
+        }
+        copy.name = name;
+        copy.pShell = rows;  // null when the source had no usable shell table
+        copy.own |= VLKTARG_OWNS;
         *dst = copy;
         vlk::succeed(s);
-        return s;
-    }
-    char *name = nullptr;
-    SVLKTARGSH *rows = nullptr;
-    bool ok = true;
-    if (copy.name != nullptr) ok = (name = vlk::dup_text(copy.name)) != nullptr;
-    const std::size_t n = shell_rows(copy);
-    if (ok && n > 0) {
-        rows = vlk::zalloc_n<SVLKTARGSH>(n);
-        ok = rows != nullptr;
-        if (ok) std::memcpy(rows, copy.pShell, n * sizeof(SVLKTARGSH));
-    }
-    if (!ok) {
-        std::free(name);
-        std::free(rows);
-        zero(*dst);
-        vlk::fail(s, VLKXS_C_RUNTIME);
-        return s;
-    }
-    copy.name = name;
-    copy.pShell = rows;  // null when the source had no usable shell table
-    copy.own |= VLKTARG_OWNS;
-    *dst = copy;
-    vlk::succeed(s);
-    return s;
+    });
 }
 
 // VLKXS_MODE_CHECK, which VLKXSIsValid passes, asks for no further test:
 // every check below is made in every mode.
 SCMDSTATUS VLKTargIsValid(const SVLKTARG *targ, int32_t mode) {
-    Trace trace(kIsValid, mode);
-    SCMDSTATUS s = vlk::start_status(kIsValid);
-    if (targ == nullptr) return s;
-    const bool named = targ->name != nullptr && targ->name[0] != '\0';
-    const bool shells = targ->nShell >= 0 && targ->pShell != nullptr;
-    const bool massive = targ->M > 0.0;  // false for NaN too
-    if (named && shells && massive)
-        vlk::succeed(s);
-    else
-        vlk::fail(s, VLKXS_C_BADTARG);
-    return s;
+    return vlk::companion_frame(kIsValid, mode, [&](SCMDSTATUS &s) {
+        if (targ == nullptr) return;
+        const bool named = targ->name != nullptr && targ->name[0] != '\0';
+        const bool shells = targ->nShell >= 0 && targ->pShell != nullptr;
+        const bool massive = targ->M > 0.0;  // false for NaN too
+        if (named && shells && massive)
+            vlk::succeed(s);
+        else
+            vlk::fail(s, VLKXS_C_BADTARG);
+    });
 }
 
 SCMDSTATUS VLKTargInspect(const SVLKTARG *targ, int32_t mode) {
-    Trace trace(kInspect, mode);
-    SCMDSTATUS s = vlk::start_status(kInspect);
-    if (targ == nullptr) return s;
-    std::fprintf(stderr, "<D> SVLKTARG=%p\n", static_cast<const void *>(targ));
-    std::fprintf(stderr, "      name=%s\n", printable(targ->name));
-    std::fprintf(stderr, "         M=%g g/mol\n", targ->M);
-    std::fprintf(stderr, "   density=%g g/cm3\n", targ->density);
-    std::fprintf(stderr, "     nAtom=%d\n", targ->nAtom);
-    const int32_t nAtom = targ->nAtom < 0 ? 0 : (targ->nAtom > 4 ? 4 : targ->nAtom);
-    for (int32_t k = 0; k < nAtom; ++k)
-        std::fprintf(stderr, "   atom[%d]=Z %d x %d\n", k, targ->Zatom[k], targ->natom[k]);
-    std::fprintf(stderr, "       own=%u\n", targ->own);
-    std::fprintf(stderr, "     space=%u\n", targ->space);
-    std::fprintf(stderr, "    nShell=%d\n", targ->nShell);
-    const std::size_t n = shell_rows(*targ);
-    for (std::size_t i = 0; i < n; ++i) {
-        const SVLKTARGSH &r = targ->pShell[i];
-        std::fprintf(stderr, "  shell[%zu] Ebind=%.6g keV Ukin=%.6g keV occ=%g\n", i, r.Ebind, r.Ukin, r.occ);
-    }
-    vlk::succeed(s);
-    return s;
+    return vlk::companion_frame(kInspect, mode, [&](SCMDSTATUS &s) {
+        if (targ == nullptr) return;
+        std::fprintf(stderr, "<D> SVLKTARG=%p\n", static_cast<const void *>(targ));
+        std::fprintf(stderr, "      name=%s\n", printable(targ->name));
+        std::fprintf(stderr, "         M=%g g/mol\n", targ->M);
+        std::fprintf(stderr, "   density=%g g/cm3\n", targ->density);
+        std::fprintf(stderr, "     nAtom=%d\n", targ->nAtom);
+        const int32_t nAtom = targ->nAtom < 0 ? 0 : (targ->nAtom > 4 ? 4 : targ->nAtom);
+        for (int32_t k = 0; k < nAtom; ++k)
+            std::fprintf(stderr, "   atom[%d]=Z %d x %d\n", k, targ->Zatom[k], targ->natom[k]);
+        std::fprintf(stderr, "       own=%u\n", targ->own);
+        std::fprintf(stderr, "     space=%u\n", targ->space);
+        std::fprintf(stderr, "    nShell=%d\n", targ->nShell);
+        const std::size_t n = shell_rows(*targ);
+        for (std::size_t i = 0; i < n; ++i) {
+            const SVLKTARGSH &r = targ->pShell[i];
+            std::fprintf(stderr, "  shell[%zu] Ebind=%.6g keV Ukin=%.6g keV occ=%g\n", i, r.Ebind, r.Ukin, r.occ);
+        }
+        vlk::succeed(s);
+    });
 }
 
 // The record is released first and is left empty on any failure.
 SCMDSTATUS VLKTargImportMaterial(SVLKTARG *targ, const char *text, int32_t mode) {
-    Trace trace(kImport, mode);
-    SCMDSTATUS s = vlk::start_status(kImport);
-    if (targ == nullptr) return s;
-    release(*targ);
-    if (text == nullptr) return s;
-    const mat::Material *m = mat::find(text);
-    if (m == nullptr) {
-        vlk::fail(s, VLKXS_C_NOMATERIAL);
-        return s;
-    }
-    const std::size_t n = static_cast<std::size_t>(m->nOrbital) + 1;
-    char *name = vlk::dup_text(m->name);
-    SVLKTARGSH *rows = name != nullptr ? vlk::zalloc_n<SVLKTARGSH>(n) : nullptr;
-    if (rows == nullptr) {
-        std::free(name);
-        vlk::fail(s, VLKXS_C_RUNTIME);
-        return s;
-    }
-    std::memcpy(rows, mat::kShellRows[mat::index_of(m)].data(), n * sizeof(SVLKTARGSH));
-    *targ = make(*m, name, rows, VLKTARG_OWNS);
-    vlk::succeed(s);
-    return s;
+    return vlk::companion_frame(kImport, mode, [&](SCMDSTATUS &s) {
+        if (targ == nullptr) return;
+        release(*targ);
+        if (text == nullptr) return;
+        const mat::Material *m = mat::find(text);
+        if (m == nullptr) {
+            vlk::fail(s, VLKXS_C_NOMATERIAL);
+            return;
+        }
+        const std::size_t n = static_cast<std::size_t>(m->nOrbital) + 1;
+        char *name = vlk::dup_text(m->name);
+        SVLKTARGSH *rows = name != nullptr ? vlk::zalloc_n<SVLKTARGSH>(n) : nullptr;
+        if (rows == nullptr) {
+            std::free(name);
+            vlk::fail(s, VLKXS_C_RUNTIME);
+            return;
+        }
+        std::memcpy(rows, mat::kShellRows[mat::index_of(m)].data(), n * sizeof(SVLKTARGSH));
+        *targ = make(*m, name, rows, VLKTARG_OWNS);
+        vlk::succeed(s);
+    });
 }
 
 // Water, borrowing the static name and rows: the own bit stays clear, so
