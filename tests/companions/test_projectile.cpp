@@ -8,6 +8,7 @@
 
 #include "capture.hpp"
 #include "companions/alloc.hpp"
+#include "faults.hpp"
 #include "vlkxs.h"
 
 namespace {
@@ -202,26 +203,21 @@ TEST(ProjFaults, EveryFailedAllocationIsCleanedUp) {
     for (int deep = 0; deep < 2; ++deep) {
         SVLKPROJ src{};
         ASSERT_EQ(VLKProjFromStr(&src, "alpha", 0).code, 0);
-        bool done = false;
-        int failed = 0;
-        for (long n = 1; n < 10 && !done; ++n) {
-            SVLKPROJ p{};
-            vlk::testhook::fail_alloc_after(n);
-            SCMDSTATUS s = deep ? VLKProjDup(&p, &src, 0) : VLKProjFromStr(&p, "alpha", 0);
-            vlk::testhook::fail_alloc_after(0);
-            done = s.code == 0;
-            if (!done) {
-                ++failed;
+        SVLKPROJ p{};
+        const int failed = vlktest::fault_loop(
+            [&] {
+                VLKProjFree(&p, 0);
+                return deep ? VLKProjDup(&p, &src, 0) : VLKProjFromStr(&p, "alpha", 0);
+            },
+            [&](const SCMDSTATUS &s, long n) {
                 EXPECT_EQ(s.code, VLKXS_C_RUNTIME) << n;
                 EXPECT_EQ(s.level, kError);
                 EXPECT_EQ(p.own, 0u);
                 EXPECT_EQ(p.name, nullptr);
                 EXPECT_EQ(p.symbol, nullptr);
-            }
-            VLKProjFree(&p, 0);
-        }
-        EXPECT_TRUE(done);
+            });
         EXPECT_GT(failed, 0);
+        VLKProjFree(&p, 0);
         VLKProjFree(&src, 0);
     }
 }

@@ -7,6 +7,7 @@
 
 #include "capture.hpp"
 #include "companions/alloc.hpp"
+#include "faults.hpp"
 #include "vlkxs.h"
 
 namespace {
@@ -191,26 +192,21 @@ TEST(TargDup, ShallowCopyOwnsNothing) {
 TEST(TargFaults, EveryFailedAllocationIsCleanedUp) {
     for (int deep = 0; deep < 2; ++deep) {
         SVLKTARG src = _VLKTargTest(0, 0);
-        bool done = false;
-        int failed = 0;
-        for (long n = 1; n < 10 && !done; ++n) {
-            SVLKTARG t{};
-            vlk::testhook::fail_alloc_after(n);
-            SCMDSTATUS s = deep ? VLKTargDup(&t, &src, 0) : VLKTargImportMaterial(&t, "N2", 0);
-            vlk::testhook::fail_alloc_after(0);
-            done = s.code == 0;
-            if (!done) {
-                ++failed;
+        SVLKTARG t{};
+        const int failed = vlktest::fault_loop(
+            [&] {
+                VLKTargFree(&t, 0);
+                return deep ? VLKTargDup(&t, &src, 0) : VLKTargImportMaterial(&t, "N2", 0);
+            },
+            [&](const SCMDSTATUS &s, long n) {
                 EXPECT_EQ(s.code, VLKXS_C_RUNTIME) << n;
                 EXPECT_EQ(s.level, kError);
                 EXPECT_EQ(t.own, 0u);
                 EXPECT_EQ(t.name, nullptr);
                 EXPECT_EQ(t.pShell, nullptr);
-            }
-            VLKTargFree(&t, 0);
-        }
-        EXPECT_TRUE(done);
+            });
         EXPECT_GT(failed, 0);
+        VLKTargFree(&t, 0);
     }
 }
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "capture.hpp"
-#include "companions/alloc.hpp"
+#include "faults.hpp"
 #include "tempdir.hpp"
 #include "vlkxs.h"
 
@@ -190,10 +190,8 @@ TEST_P(ReadFailure, ReportsCodeAndPlaceAndLeavesTheSetEmpty) {
 INSTANTIATE_TEST_SUITE_P(
     Cases, ReadFailure,
     ::testing::Values(
-        Failure{"EmptyFile", "", 48, 0, nullptr},
-        Failure{"OnlyComments", "# a\n\n   \n#b\n", 48, 0, nullptr},
-        Failure{"NoShell", kHead0, 48, 0, nullptr},
-        Failure{"DataBeforeFiletype", "1 2\n", 39, 1, "1 2"},
+        Failure{"EmptyFile", "", 48, 0, nullptr}, Failure{"OnlyComments", "# a\n\n   \n#b\n", 48, 0, nullptr},
+        Failure{"NoShell", kHead0, 48, 0, nullptr}, Failure{"DataBeforeFiletype", "1 2\n", 39, 1, "1 2"},
         Failure{"SecondFiletype", "!filetype xs i,t\n!filetype xs i,t\n", 39, 2, "!filetype xs i,t"},
         Failure{"VersionFirst", "!fileversion 1\n", 39, 1, "!fileversion 1"},
         Failure{"TargetAfterTarget", "!filetype xs i,t\n!fileversion 1\n!target H2O\n!target H2O\n", 39, 4,
@@ -302,7 +300,10 @@ INSTANTIATE_TEST_SUITE_P(
     [](const ::testing::TestParamInfo<WarningCase> &i) { return std::string(i.param.name); });
 
 TEST_F(ReadTest, EmptySectionsKeepTheirCountsAndNullArrays) {
-    ASSERT_EQ(read_text(kHead2 + "!shell 1\n!eproj 7\n!esec 1\n!esec 2\n1 2\n!eproj 8\n!shell 2\n!eproj 1\n!esec 1\n1 1\n").code, 0)
+    ASSERT_EQ(
+        read_text(kHead2 + "!shell 1\n!eproj 7\n!esec 1\n!esec 2\n1 2\n!eproj 8\n!shell 2\n!eproj 1\n!esec 1\n1 1\n")
+            .code,
+        0)
         << err;
     ASSERT_EQ(set.nShell, 2);
     const SVLKXSE &e = set.pShell[0].pE[0];
@@ -334,9 +335,10 @@ TEST_F(ReadTest, ValuesThatPassTheReader) {
     EXPECT_EQ(set.pShell[0].nE, 2);
     EXPECT_EQ(set.pShell[1].pE[0].km, 0.0);
     VLKXSFree(&set, 0);
-    ASSERT_EQ(read_text(kHead1 + "!shell 0\n!eproj 1000\n-1 0\n!eproj 1000.0001\n-1 1\n!shell 1\n!eproj 1000 3\n0 0 0\n")
-                  .code,
-              0)
+    ASSERT_EQ(
+        read_text(kHead1 + "!shell 0\n!eproj 1000\n-1 0\n!eproj 1000.0001\n-1 1\n!shell 1\n!eproj 1000 3\n0 0 0\n")
+            .code,
+        0)
         << err;
     EXPECT_EQ(set.pShell[0].pE[0].km, 0.0);
     EXPECT_EQ(set.pShell[1].pE[0].km, 0.0) << "ignored outside shell 0";
@@ -366,19 +368,15 @@ TEST_F(ReadTest, TraceLines) {
 TEST_F(ReadTest, EveryAllocationFailureEndsCleanly) {
     for (const char *name : {"e.H2O.it.xs", "e.H2O.is.xs", "p.H2O.id.xs"}) {
         SCOPED_TRACE(name);
-        int failures = 0;
-        for (long n = 1;; ++n) {
-            vlk::testhook::fail_alloc_after(n);
-            const SCMDSTATUS s = read_path(data_file(name), kQuiet);
-            vlk::testhook::fail_alloc_after(0);
-            if (s.code == 0) break;
-            ++failures;
-            // Inside a companion the failure shows as a bad target or projectile.
-            EXPECT_TRUE(s.code == VLKXS_C_RUNTIME || s.code == VLKXS_C_R_TARGET || s.code == VLKXS_C_R_PROJECTILE)
-                << "allocation " << n << ": code " << s.code;
-            expect_empty();
-            ASSERT_LT(n, 10000);
-        }
+        const int failures = vlktest::fault_loop(
+            [&] { return read_path(data_file(name), kQuiet); },
+            [&](const SCMDSTATUS &s, long n) {
+                // Inside a companion the failure shows as a bad target or
+                // projectile.
+                EXPECT_TRUE(s.code == VLKXS_C_RUNTIME || s.code == VLKXS_C_R_TARGET || s.code == VLKXS_C_R_PROJECTILE)
+                    << "allocation " << n << ": code " << s.code;
+                expect_empty();
+            });
         EXPECT_GT(failures, 5);
         VLKXSFree(&set, 0);
     }
