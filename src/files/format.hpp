@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "companions/words.hpp"
 #include "vlkxs.h"
 
 namespace vlk::xs {
@@ -82,12 +83,7 @@ static_assert(sizeof(bvStateTable) == 3 * 10 * 12, "3 dimensions x 10 line kinds
 // What the first character of a trimmed line makes of it.
 enum class LineKind { Empty, Tag, Comment, Data };
 
-// Drops blanks (0x20 alone; a tab is an ordinary character) at both ends.
-constexpr std::string_view trim_blanks(std::string_view s) noexcept {
-    while (!s.empty() && s.front() == ' ') s.remove_prefix(1);
-    while (!s.empty() && s.back() == ' ') s.remove_suffix(1);
-    return s;
-}
+using vlk::trim_blanks;
 
 constexpr LineKind classify(std::string_view trimmed) noexcept {
     if (trimmed.empty()) return LineKind::Empty;
