@@ -13,6 +13,7 @@
 #include <system_error>
 
 #include "companions/numbers.hpp"
+#include "companions/words.hpp"
 #include "vlkxs.h"
 
 namespace vlk {
@@ -22,13 +23,11 @@ constexpr bool is_blank(char c) noexcept { return c == ' ' || c == '\t'; }
 // Word and number separators of a line: blanks, tabs and commas.
 constexpr bool is_separator(char c) noexcept { return is_blank(c) || c == ','; }
 
-constexpr unsigned char lower(char c) noexcept {
-    auto u = static_cast<unsigned char>(c);
-    return (u >= 'A' && u <= 'Z') ? static_cast<unsigned char>(u - 'A' + 'a') : u;
-}
+constexpr unsigned char lower(char c) noexcept { return ascii_lower(c); }
 constexpr char upper(char c) noexcept { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c; }
 
-constexpr std::string_view trim_blanks(std::string_view s) noexcept {
+// Drops blanks and tabs at both ends (numbers and words of a line).
+constexpr std::string_view trim_space(std::string_view s) noexcept {
     while (!s.empty() && is_blank(s.front())) s.remove_prefix(1);
     while (!s.empty() && is_blank(s.back())) s.remove_suffix(1);
     return s;
@@ -153,7 +152,7 @@ int32_t c2vcn(const char *text, const char **items, int32_t *lens, int32_t strid
 int32_t cn2l(const char *p, int32_t len, int32_t *value) {
     std::string_view s;
     if (value == nullptr || !vlk::counted_text(p, len, s)) return -1;
-    s = vlk::trim_blanks(s);
+    s = vlk::trim_space(s);
     if (!s.empty() && s.front() == '+') {
         s.remove_prefix(1);
         if (s.empty() || s.front() == '-') return -1;
@@ -170,7 +169,7 @@ int32_t cn2l(const char *p, int32_t len, int32_t *value) {
 int32_t cn2d(const char *p, int32_t len, double *value) {
     std::string_view s;
     if (value == nullptr || !vlk::counted_text(p, len, s)) return -1;
-    s = vlk::trim_blanks(s);
+    s = vlk::trim_space(s);
     const vlk::Parsed r = vlk::read_real(s);
     if (r.code != vlk::kReadOk || r.used != s.size()) return -1;
     *value = r.value;
@@ -218,5 +217,5 @@ int32_t stricmp(const char *a, const char *b) {
 int32_t stricnb(const char *a, const char *b) {
     int32_t r = 0;
     if (vlk::null_order(a, b, r)) return r;
-    return vlk::compare_nocase(vlk::trim_blanks(a), vlk::trim_blanks(b));
+    return vlk::compare_nocase(vlk::trim_space(a), vlk::trim_space(b));
 }

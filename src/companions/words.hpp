@@ -14,8 +14,11 @@ constexpr std::string_view trim_blanks(std::string_view s) noexcept {
     return s;
 }
 
-constexpr char ascii_lower(char c) noexcept {
-    return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+// Folds A-Z to a-z and leaves every other byte alone; unsigned, so that a
+// comparison of folded bytes orders as strcmp does.
+constexpr unsigned char ascii_lower(char c) noexcept {
+    const auto u = static_cast<unsigned char>(c);
+    return (u >= 'A' && u <= 'Z') ? static_cast<unsigned char>(u - 'A' + 'a') : u;
 }
 
 // ASCII case-insensitive equality; a null `b` equals nothing.
