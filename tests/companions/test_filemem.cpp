@@ -10,7 +10,6 @@
 #include <string_view>
 #include <vector>
 
-#include "capture.hpp"
 #include "companions/alloc.hpp"
 #include "tempdir.hpp"
 #include "vlkxs.h"
@@ -88,26 +87,16 @@ struct LineCase {
 };
 
 const LineCase kLineCases[] = {
-    {"lf", "a\nbb\nccc\n", {"a", "bb", "ccc"}},
-    {"crlf", "a\r\nbb\r\n", {"a", "bb"}},
-    {"mixed", "a\r\nb\nc\r\nd", {"a", "b", "c", "d"}},
-    {"no_final_newline", "a\nb", {"a", "b"}},
-    {"crlf_no_final_newline", "a\r\nb", {"a", "b"}},
-    {"single_line_no_newline", "xs i,t", {"xs i,t"}},
-    {"empty_lines", "\n\na\n\n", {"", "", "a", ""}},
-    {"empty_crlf_lines", "\r\n\r\na\r\n", {"", "", "a"}},
-    {"blank_only_lines", "  \n\t\n \t \r\n", {"  ", "\t", " \t "}},
-    {"empty_file", "", {}},
-    {"just_newline", "\n", {""}},
-    {"just_crlf", "\r\n", {""}},
-    {"lf_after_crlf", "a\r\n\nb", {"a", "", "b"}},
-    {"lone_cr_inside", "a\rb\n", {"a\rb"}},
-    {"lone_cr_at_end_of_file", "a\r", {"a\r"}},
-    {"cr_cr_lf", "\r\r\n", {"\r"}},
-    {"cr_then_lf_line", "a\r\n\r\n\n", {"a", "", ""}},
+    {"lf", "a\nbb\nccc\n", {"a", "bb", "ccc"}}, {"crlf", "a\r\nbb\r\n", {"a", "bb"}},
+    {"mixed", "a\r\nb\nc\r\nd", {"a", "b", "c", "d"}}, {"no_final_newline", "a\nb", {"a", "b"}},
+    {"crlf_no_final_newline", "a\r\nb", {"a", "b"}}, {"single_line_no_newline", "xs i,t", {"xs i,t"}},
+    {"empty_lines", "\n\na\n\n", {"", "", "a", ""}}, {"empty_crlf_lines", "\r\n\r\na\r\n", {"", "", "a"}},
+    {"blank_only_lines", "  \n\t\n \t \r\n", {"  ", "\t", " \t "}}, {"empty_file", "", {}},
+    {"just_newline", "\n", {""}}, {"just_crlf", "\r\n", {""}}, {"lf_after_crlf", "a\r\n\nb", {"a", "", "b"}},
+    {"lone_cr_inside", "a\rb\n", {"a\rb"}}, {"lone_cr_at_end_of_file", "a\r", {"a\r"}},
+    {"cr_cr_lf", "\r\r\n", {"\r"}}, {"cr_then_lf_line", "a\r\n\r\n\n", {"a", "", ""}},
     {"zero_bytes_inside", "a\0b\n\0\n\0"s, {"a\0b"s, "\0"s, "\0"s}},
-    {"zero_before_crlf", "x\0\r\n\0\0\r\n"s, {"x\0"s, "\0\0"s}},
-    {"zero_before_lf_run", "\0\n\n"s, {"\0"s, ""}},
+    {"zero_before_crlf", "x\0\r\n\0\0\r\n"s, {"x\0"s, "\0\0"s}}, {"zero_before_lf_run", "\0\n\n"s, {"\0"s, ""}},
 };
 
 void PrintTo(const LineCase &c, std::ostream *os) { *os << c.name; }
@@ -173,30 +162,6 @@ TEST(FileMemRandom, MatchesPlainReading) {
     }
 }
 
-TEST(FileMemRead, LargeFileAllLines) {
-    std::string content;
-    Lines want;
-    for (int i = 0; i < 50000; ++i) {
-        std::string line = "line " + std::to_string(i) + std::string(static_cast<std::size_t>(i % 37), 'x');
-        want.push_back(line);
-        content += line + (i % 3 == 0 ? "\r\n" : "\n");
-    }
-    vlktest::TempDir dir;
-    FileMem fm;
-    open_and_read(fm, dir.write("big.xs", content));
-    uFileMemLineFirst(fm.get(), 0);
-    EXPECT_EQ(texts(pass(fm.get())), want);
-}
-
-TEST(FileMemRead, ImageEndsInZeroByte) {
-    vlktest::TempDir dir;
-    FileMem fm;
-    open_and_read(fm, dir.write("f.xs", "abc"));
-    ASSERT_NE(fm->pImage, nullptr);
-    EXPECT_EQ(fm->nImage, 3u);
-    EXPECT_EQ(fm->pImage[3], '\0');
-}
-
 TEST(FileMemLifecycle, CloseOnNeverOpenedRecordTwice) {
     SUFILEMEM fm;
     std::memset(&fm, 0x5a, sizeof fm);
@@ -260,44 +225,6 @@ TEST(FileMemLifecycle, ReopenReleasesThePreviousFile) {
     open_and_read(fm, dir.write("two.xs", "two\nlines\n"));
     uFileMemLineFirst(fm.get(), 0);
     EXPECT_EQ(texts(pass(fm.get())), (Lines{"two", "lines"}));
-}
-
-TEST(FileMemLifecycle, CloseBetweenOpenAndRead) {
-    vlktest::TempDir dir;
-    FileMem fm;
-    ASSERT_EQ(uFileMemOpen(fm.get(), dir.write("f.xs", "x").c_str(), 1, 0), 0);
-    uFileMemClose(fm.get(), 0);
-    EXPECT_EQ(fm->fp, nullptr);
-}
-
-TEST(FileMemTrace, DebugLinesOnlyWhenAsked) {
-    vlktest::TempDir dir;
-    const std::string path = dir.write("f.xs", "a\n");
-    auto run = [&](int32_t trace) {
-        vlktest::Capture cap(stderr);
-        SUFILEMEM fm;
-        uFileMemInit(&fm, trace);
-        uFileMemOpen(&fm, path.c_str(), 1, trace);
-        uFileMemRead(&fm, trace);
-        uFileMemLineFirst(&fm, trace);
-        while (uFileMemLineNext(&fm, trace) == 0) {
-        }
-        uFileMemClose(&fm, trace);
-        uFileMemOpen(&fm, nullptr, 1, trace);
-        uFileMemClose(&fm, trace);
-        return cap.finish();
-    };
-    EXPECT_EQ(run(0), "");
-    EXPECT_EQ(run(1), "");
-    const std::string traced = run(-1);
-    EXPECT_GT(vlktest::count_lines(traced, "<D> uFileMem"), 0);
-    std::size_t start = 0;
-    while (start < traced.size()) {
-        const std::size_t nl = traced.find('\n', start);
-        ASSERT_NE(nl, std::string::npos) << "every trace line ends";
-        EXPECT_EQ(traced.compare(start, 4, "<D> "), 0) << traced.substr(start, nl - start);
-        start = nl + 1;
-    }
 }
 
 }  // namespace

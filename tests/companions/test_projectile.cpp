@@ -235,20 +235,4 @@ TEST(ProjProtocol, TraceLinesAndNoReports) {
               "<D> vlkproj(FromStr).....\n<D> vlkproj(FromStr) done\n");
 }
 
-TEST(ProjInspect, WritesFieldsNullSafely) {
-    SVLKPROJ p{};
-    vlktest::Capture err(stderr);
-    VLKProjInspect(&p, 0);
-    VLKProjFromStr(&p, "p", 0);
-    VLKProjInspect(&p, 0);
-    const std::string text = err.finish();
-    VLKProjFree(&p, 0);
-    EXPECT_EQ(vlktest::count_lines(text, "<D> SVLKPROJ="), 2);
-    EXPECT_EQ(vlktest::count_lines(text, "<E>"), 0);
-    EXPECT_NE(text.find("      name=(null)\n"), std::string::npos);
-    EXPECT_NE(text.find("      name=proton\n"), std::string::npos);
-    EXPECT_NE(text.find("    symbol=p\n"), std::string::npos);
-    EXPECT_NE(text.find("      type=5\n"), std::string::npos);
-}
-
 }  // namespace

@@ -5,7 +5,6 @@
 #include <cstring>
 #include <string>
 
-#include "capture.hpp"
 #include "companions/alloc.hpp"
 #include "faults.hpp"
 #include "vlkxs.h"
@@ -208,33 +207,6 @@ TEST(TargFaults, EveryFailedAllocationIsCleanedUp) {
         EXPECT_GT(failed, 0);
         VLKTargFree(&t, 0);
     }
-}
-
-TEST(TargProtocol, TraceLinesAndNoReports) {
-    SVLKTARG t{};
-    vlktest::Capture err(stderr);
-    VLKTargImportMaterial(&t, "lead", VLKXS_MODE_TRACE);
-    VLKTargIsValid(&t, 0);
-    VLKTargSpace(&t, VLKXS_MODE_TRACE);
-    VLKTargFree(&t, 0);
-    EXPECT_EQ(err.finish(),
-              "<D> vlktarg(ImportMaterial).....\n<D> vlktarg(ImportMaterial) done\n"
-              "<D> vlktarg(Space).....\n<D> vlktarg(Space) done\n");
-}
-
-TEST(TargInspect, WritesFieldsAndOneLinePerShellRow) {
-    SVLKTARG empty{};
-    SVLKTARG water = _VLKTargTest(0, 0);
-    vlktest::Capture err(stderr);
-    VLKTargInspect(&empty, 0);
-    VLKTargInspect(&water, 0);
-    const std::string text = err.finish();
-    EXPECT_EQ(vlktest::count_lines(text, "<D> SVLKTARG="), 2);
-    EXPECT_EQ(vlktest::count_lines(text, "<E>"), 0);
-    EXPECT_EQ(vlktest::count_lines(text, "  shell["), 6);
-    EXPECT_NE(text.find("      name=(null)\n"), std::string::npos);
-    EXPECT_NE(text.find("      name=H2O\n"), std::string::npos);
-    EXPECT_NE(text.find("  shell[1] Ebind=0.01261 keV Ukin=0.06191 keV occ=2\n"), std::string::npos);
 }
 
 }  // namespace

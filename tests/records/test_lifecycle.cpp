@@ -199,17 +199,6 @@ TEST_F(SpaceTest, MissingTablesAndRowsCountNothing) {
     EXPECT_EQ(set.space, empty + sizeof(SVLKXSSH) + sizeof(SVLKXSE) + 14 * sizeof(double) + 2 * sizeof(int32_t));
 }
 
-TEST_F(SpaceTest, ShallowSetCountsWhatItBorrows) {
-    set.nShell = 1;
-    set.pShell = blocks<SVLKXSSH>(1);
-    VLKXSSpace(&set, 0);
-    const uint32_t owned = set.space;
-    set.flag = VLKXS_FLAG_SHALLOW;
-    VLKXSSpace(&set, 0);
-    EXPECT_EQ(set.space, owned);
-    set.flag = 0;
-}
-
 TEST(Lifecycle, EnableAndDisableMoveOneBit) {
     struct Row {
         uint32_t before;
