@@ -477,7 +477,19 @@ VLKXS_API int32_t strnicmp(const char *a, const char *b, size_t n);
 VLKXS_API int32_t stricmp(const char *a, const char *b);
 VLKXS_API int32_t stricnb(const char *a, const char *b);
 
-/* Vector routines (strides count elements). */
+/* Vector routines.  Strides count elements (1 or more); nothing is allocated.
+ * vtrapz:  cum[i] = running trapezoidal integral of y over x from x[0], in the
+ *          direction of the grid (a descending grid gives negative values);
+ *          returns the whole integral.  For n = 1 the single value is taken as
+ *          flat over a cosine range of [-1, 1]: cum[0] = 2*y[0], so that 2 pi
+ *          times it is the integral over the full solid angle.  cum may be
+ *          null; n < 1 returns 0 and writes nothing.
+ * vtrapz1: the mean of x weighted by y (trapezoidal integral of x*y over the
+ *          integral of y); 0 when the integral of y is 0, x[0] for n = 1 with
+ *          y[0] not 0.  A non-null cum receives the running first moment.
+ * vsmul:   out[i] = v[i]*s for n elements; out may be v.
+ * vshsrtd: sorts the n values of list[0] ascending in place, equal values
+ *          kept and NaNs last; list[1] .. list[nvec-1] are permuted alike. */
 VLKXS_API double vtrapz(const double *x, int32_t incx, const double *y, int32_t incy, double *cum, int32_t incc, int32_t n);
 VLKXS_API double vtrapz1(const double *x, int32_t incx, const double *y, int32_t incy, double *cum, int32_t incc, int32_t n);
 VLKXS_API void vsmul(double *v, int32_t incv, double s, double *out, int32_t inco, int32_t n);

@@ -1,0 +1,186 @@
+// Validation: each check with its code and location text, the order in
+// which faults hide each other, the bounds and NaNs that pass, and the quiet
+// bit.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <string>
+
+#include "capture.hpp"
+#include "sets.hpp"
+
+namespace {
+
+using vlktest::SetBuilder;
+constexpr int32_t kQuiet = VLKXS_MODE_QUIET;
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInf = std::numeric_limits<double>::infinity();
+
+// A valid double differential set: two shells of two records, each record
+// with two first-level points of 3 and 2 angles.  Cumulated tables need not
+// start at 0 (the second row starts at 0.2).
+std::unique_ptr<SetBuilder> valid_set(int32_t dim = 2) {
+    auto b = std::make_unique<SetBuilder>(dim);
+    for (int32_t number : {1, 2}) {
+        b->add_shell(number, 2);
+        for (int32_t j = 0; j < 2; ++j) {
+            SVLKXSE &e = b->rec(number - 1, j);
+            e.E = 100.0 * (j + 1);
+            e.sigtot = 1e-17;
+            b->ddcs(e, {1, 2}, {{-1, 0, 1}, {-1, 1}}, {{1, 2, 1}, {3, 3}}, {{0, 0.5, 1}, {0.2, 1}}, {4, 5});
+            e.dvCum1 = b->doubles({0.25, 1});
+        }
+    }
+    return b;
+}
+
+struct Fault {
+    const char *name;
+    std::function<void(SetBuilder &)> apply;
+    int32_t code;
+    const char *where;  // null: no location text
+};
+
+const Fault kFaults[] = {
+    {"NoProjectile", [](SetBuilder &b) { b.set.proj.name = nullptr; }, 5, nullptr},
+    {"NoTarget", [](SetBuilder &b) { b.set.targ.name = nullptr; }, 6, nullptr},
+    {"NoShells", [](SetBuilder &b) { b.set.nShell = 0; }, 7, nullptr},
+    {"NegativeShellCount", [](SetBuilder &b) { b.set.nShell = -1; }, 7, nullptr},
+    {"NullShells", [](SetBuilder &b) { b.set.pShell = nullptr; }, 7, nullptr},
+    {"NoRecords", [](SetBuilder &b) { b.set.pShell[1].nE = 0; }, 8, "Shell[1]"},
+    {"NullRecords", [](SetBuilder &b) { b.set.pShell[1].pE = nullptr; }, 8, "Shell[1]"},
+    {"NegativeEnergy", [](SetBuilder &b) { b.rec(0, 1).E = -1; }, 9, "Shell[0].E[1].E=-1"},
+    {"EnergyBeforeSigma", [](SetBuilder &b) { b.rec(0, 1).E = -1, b.rec(0, 1).sigtot = -1; }, 9,
+     "Shell[0].E[1].E=-1"},
+    {"NegativeSigma", [](SetBuilder &b) { b.rec(0, 1).sigtot = -1e-20; }, 10, "Shell[0].E[1].SigTot=-1E-20"},
+    {"NoGrid", [](SetBuilder &b) { b.rec(1, 0).dv1 = nullptr; }, 55, "Shell[1].E[0]"},
+    {"NoSdcs", [](SetBuilder &b) { b.rec(1, 0).dvSig1 = nullptr; }, 55, "Shell[1].E[0]"},
+    {"NoCumulation", [](SetBuilder &b) { b.rec(1, 0).dvCum1 = nullptr; }, 55, "Shell[1].E[0]"},
+    {"EmptyRecordWithoutArrays", [](SetBuilder &b) { b.rec(0, 0).n1 = 0, b.rec(0, 0).dvCum1 = nullptr; }, 55,
+     "Shell[0].E[0]"},
+    {"NegativeSdcs", [](SetBuilder &b) { b.rec(0, 0).dvSig1[1] = -2; }, 56, "Shell[0].E[0].Sig1[1]=-2"},
+    {"CumulationAboveOne", [](SetBuilder &b) { b.rec(0, 0).dvCum1[1] = 1.5; }, 57, "Shell[0].E[0].Cum1[1]=1.5"},
+    {"CumulationInfinite", [](SetBuilder &b) { b.rec(0, 0).dvCum1[1] = kInf; }, 57, "Shell[0].E[0].Cum1[1]=INF"},
+    {"CumulationBelowZeroAtStart", [](SetBuilder &b) { b.rec(0, 0).dvCum1[0] = -0.1; }, 57,
+     "Shell[0].E[0].Cum1[0]=-0.1"},
+    {"CumulationFalls", [](SetBuilder &b) { b.rec(0, 0).dvCum1[0] = 0.6, b.rec(0, 0).dvCum1[1] = 0.5; }, 57,
+     "Shell[0].E[0].Cum1[1]=0.5 0.6"},
+    {"NoDdcsGrids", [](SetBuilder &b) { b.rec(0, 1).pdv2 = nullptr; }, 58, "Shell[0].E[1]"},
+    {"NoDdcs", [](SetBuilder &b) { b.rec(0, 1).pdvSig2 = nullptr; }, 58, "Shell[0].E[1]"},
+    {"NoDdcsCumulation", [](SetBuilder &b) { b.rec(0, 1).pdvCum2 = nullptr; }, 58, "Shell[0].E[1]"},
+    {"NoAngleCounts", [](SetBuilder &b) { b.rec(0, 1).nv2 = nullptr; }, 58, "Shell[0].E[1]"},
+    {"NoGridRow", [](SetBuilder &b) { b.rec(0, 0).pdv2[1] = nullptr; }, 58, "Shell[0].E[0].d2[1]"},
+    {"GridRowFirst",
+     [](SetBuilder &b) {
+         SVLKXSE &e = b.rec(0, 0);
+         e.pdv2[0] = e.pdvSig2[0] = e.pdvCum2[0] = nullptr;
+     },
+     58, "Shell[0].E[0].d2[0]"},
+    {"NoDdcsRow", [](SetBuilder &b) { b.rec(0, 0).pdvSig2[0] = nullptr; }, 58, "Shell[0].E[0].Sig2[0]"},
+    {"NoCumulationRow", [](SetBuilder &b) { b.rec(0, 0).pdvCum2[0] = nullptr; }, 58, "Shell[0].E[0].Cum2[0]"},
+    {"NegativeDdcs", [](SetBuilder &b) { b.rec(0, 0).pdvSig2[1][0] = -3; }, 59, "Shell[0].E[0].Sig2[1][0]=-3"},
+    {"DdcsCumulationRange", [](SetBuilder &b) { b.rec(0, 0).pdvCum2[0][1] = 1.25; }, 60,
+     "Shell[0].E[0].Cum2[0][1]=1.25"},
+    {"DdcsCumulationFalls", [](SetBuilder &b) { b.rec(0, 0).pdvCum2[1][0] = 0.7, b.rec(0, 0).pdvCum2[1][1] = 0.2; },
+     60, "Shell[0].E[0].Cum2[1][1]=0.2 0.7"},
+    // Order: the second level of point 0 comes before the first level of
+    // point 1, record 1 of shell 0 before record 0 of shell 1.
+    {"SecondLevelOfPointFirst", [](SetBuilder &b) { b.rec(0, 0).dvSig1[1] = -1, b.rec(0, 0).pdvSig2[0][0] = -1; }, 59,
+     "Shell[0].E[0].Sig2[0][0]=-1"},
+    {"EarlierShellFirst", [](SetBuilder &b) { b.rec(1, 0).E = -1, b.rec(0, 1).dvSig1[0] = -1; }, 56,
+     "Shell[0].E[1].Sig1[0]=-1"},
+    // Bounds, NaNs and infinities that pass.
+    {"ZeroBounds", [](SetBuilder &b) { b.rec(0, 0).E = 0, b.rec(0, 0).sigtot = 0, b.rec(0, 0).dvCum1[0] = 0; }, 0,
+     nullptr},
+    {"FlatCumulation", [](SetBuilder &b) { b.rec(0, 0).dvCum1[0] = 0.5, b.rec(0, 0).dvCum1[1] = 0.5; }, 0, nullptr},
+    {"NaNsPass",
+     [](SetBuilder &b) {
+         SVLKXSE &e = b.rec(0, 0);
+         e.E = e.sigtot = e.dvSig1[0] = e.pdvSig2[0][0] = kNaN;
+         e.pdvCum2[0][0] = 0.9, e.pdvCum2[0][1] = kNaN, e.pdvCum2[0][2] = 0.1;  // passes after the NaN
+     },
+     0, nullptr},
+    {"InfiniteEnergyAndSigma", [](SetBuilder &b) { b.rec(0, 0).E = b.rec(0, 0).sigtot = kInf; }, 0, nullptr},
+    {"EmptyRecordWithArrays", [](SetBuilder &b) { b.rec(0, 0).n1 = 0; }, 0, nullptr},
+    {"PointWithoutAngles", [](SetBuilder &b) { b.rec(0, 0).nv2[0] = 0, b.rec(0, 0).pdvSig2[0][0] = -1; }, 0, nullptr},
+    {"GridsAreNotLookedAt", [](SetBuilder &b) { b.rec(0, 0).dv1[0] = -5, b.rec(0, 0).pdv2[0][2] = kNaN; }, 0,
+     nullptr},
+};
+
+class Faults : public ::testing::TestWithParam<Fault> {};
+
+TEST_P(Faults, CodeAndLocation) {
+    auto b = valid_set();
+    GetParam().apply(*b);
+    const SCMDSTATUS s = VLKXSIsValid(&b->set, kQuiet);
+    EXPECT_EQ(s.code, GetParam().code);
+    EXPECT_EQ(s.level, GetParam().code == 0 ? 0u : VLKXS_LEVEL_ERROR);
+    EXPECT_STREQ(s.origin, "vlkxs(IsValid)");
+    EXPECT_EQ(s.msg, nullptr);  // quiet: not reported
+    EXPECT_EQ(s.itemlen, 0);
+    if (GetParam().where == nullptr)
+        EXPECT_EQ(s.item, nullptr);
+    else
+        EXPECT_STREQ(s.item, GetParam().where);
+}
+
+INSTANTIATE_TEST_SUITE_P(IsValid, Faults, ::testing::ValuesIn(kFaults),
+                         [](const auto &info) { return std::string(info.param.name); });
+
+TEST(IsValid, NullSet) {
+    const SCMDSTATUS s = VLKXSIsValid(nullptr, kQuiet);
+    EXPECT_EQ(s.code, 2);
+    EXPECT_EQ(s.item, nullptr);
+}
+
+// A faulty first level stops dim 1 and 2 sets alike, while dim 0 and below
+// looks at no table, and dim 3 reads the second level as dim 2 does.
+TEST(IsValid, DimensionDecidesTheTables) {
+    for (const auto &[dim, code] : {std::pair{-1, 0}, {0, 0}, {1, 57}, {2, 57}, {3, 57}}) {
+        auto b = valid_set(dim);
+        b->rec(0, 0).dvCum1[1] = 2;
+        EXPECT_EQ(VLKXSIsValid(&b->set, kQuiet).code, code) << "dim " << dim;
+    }
+    for (const auto &[dim, code] : {std::pair{1, 0}, {2, 58}, {3, 58}}) {
+        auto b = valid_set(dim);
+        b->rec(0, 0).pdvCum2 = nullptr;
+        EXPECT_EQ(VLKXSIsValid(&b->set, kQuiet).code, code) << "dim " << dim;
+    }
+}
+
+TEST(IsValid, TotalSetNeedsNoArrays) {
+    SetBuilder b(0);
+    b.add_shell(1, 1);
+    const SCMDSTATUS s = VLKXSIsValid(&b.set, kQuiet);
+    EXPECT_EQ(s.code, 0);
+    EXPECT_EQ(s.item, nullptr);
+}
+
+// Without the quiet bit the failure is reported once, with its location;
+// the record's item is still the location text afterwards.
+TEST(IsValid, ReportsUnlessQuiet) {
+    auto b = valid_set();
+    b->rec(0, 1).sigtot = -1e-20;
+    vlktest::Capture cap(stderr);
+    const SCMDSTATUS s = VLKXSIsValid(&b->set, 0);
+    const std::string err = cap.finish();
+    EXPECT_EQ(vlktest::count_lines(err, "<E> vlkxs(IsValid): bad total cross section (code 10)"), 1) << err;
+    EXPECT_NE(err.find("Shell[0].E[1].SigTot=-1E-20"), std::string::npos) << err;
+    EXPECT_STREQ(s.msg, "bad total cross section");
+    EXPECT_STREQ(s.item, "Shell[0].E[1].SigTot=-1E-20");
+}
+
+// The companions are asked with the check bit and the caller's trace bit.
+TEST(IsValid, TracesItsCompanions) {
+    auto b = valid_set();
+    vlktest::Capture cap(stderr);
+    EXPECT_EQ(VLKXSIsValid(&b->set, VLKXS_MODE_TRACE | kQuiet).code, 0);
+    const std::string err = cap.finish();
+    EXPECT_NE(err.find("<D> vlkproj(IsValid)"), std::string::npos) << err;
+    EXPECT_NE(err.find("<D> vlkxs(IsValid) done"), std::string::npos) << err;
+}
+
+}  // namespace

@@ -1,0 +1,87 @@
+#include "sets.hpp"
+
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+namespace vlktest {
+
+SetBuilder::SetBuilder(int32_t dim, int32_t IA, int32_t proj_type) {
+    VLKXSInit(&set, 0);
+    set.dim = dim;
+    set.IA = IA;
+    set.proj = _VLKProjTest(proj_type);  // borrowed static texts
+    set.targ = _VLKTargTest(0, 0);       // water, borrowed
+}
+
+SetBuilder::~SetBuilder() {
+    if (handed_) {
+        VLKXSFree(&set, 0);
+        return;
+    }
+    for (void *p : blocks_) std::free(p);
+}
+
+void *SetBuilder::block(std::size_t count, std::size_t size) {
+    void *p = std::calloc(count > 0 ? count : 1, size);
+    if (p == nullptr) throw std::bad_alloc();
+    if (!handed_) blocks_.insert(p);
+    return p;
+}
+
+SVLKXSSH &SetBuilder::add_shell(int32_t number, int32_t nE) {
+    const std::size_t n = static_cast<std::size_t>(set.nShell);
+    auto *grown = static_cast<SVLKXSSH *>(block(n + 1, sizeof(SVLKXSSH)));
+    if (set.pShell != nullptr) {
+        std::memcpy(grown, set.pShell, n * sizeof(SVLKXSSH));
+        blocks_.erase(set.pShell);
+        std::free(set.pShell);
+    }
+    set.pShell = grown;
+    set.nShell += 1;
+    SVLKXSSH &sh = set.pShell[n];
+    sh.shell = number;
+    sh.nE = nE;
+    sh.pE = static_cast<SVLKXSE *>(block(static_cast<std::size_t>(nE), sizeof(SVLKXSE)));
+    return sh;
+}
+
+double *SetBuilder::doubles(const Row &v) {
+    if (v.empty()) return nullptr;
+    auto *p = static_cast<double *>(block(v.size(), sizeof(double)));
+    std::memcpy(p, v.data(), v.size() * sizeof(double));
+    return p;
+}
+
+void SetBuilder::sdcs(SVLKXSE &e, const Row &grid, const Row &sig, const Row &cum) {
+    e.n1 = static_cast<int32_t>(grid.size());
+    e.dv1 = doubles(grid);
+    e.dvSig1 = doubles(sig);
+    e.dvCum1 = doubles(cum);
+}
+
+void SetBuilder::ddcs(SVLKXSE &e, const Row &dv1, const std::vector<Row> &grid, const std::vector<Row> &sig,
+                      const std::vector<Row> &cum, const Row &sig1) {
+    const std::size_t n1 = dv1.size();
+    e.n1 = static_cast<int32_t>(n1);
+    e.dv1 = doubles(dv1);
+    e.dvSig1 = doubles(sig1);
+    e.nv2 = static_cast<int32_t *>(block(n1, sizeof(int32_t)));
+    e.pdv2 = static_cast<double **>(block(n1, sizeof(double *)));
+    e.pdvSig2 = static_cast<double **>(block(n1, sizeof(double *)));
+    if (!cum.empty()) e.pdvCum2 = static_cast<double **>(block(n1, sizeof(double *)));
+    for (std::size_t k = 0; k < n1; ++k) {
+        e.nv2[k] = static_cast<int32_t>(grid[k].size());
+        e.pdv2[k] = doubles(grid[k]);
+        e.pdvSig2[k] = doubles(sig[k]);
+        if (!cum.empty()) e.pdvCum2[k] = doubles(cum[k]);
+    }
+}
+
+SVLKXS *SetBuilder::hand_over() {
+    handed_ = true;
+    blocks_.clear();
+    return &set;
+}
+
+}  // namespace vlktest
