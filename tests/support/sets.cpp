@@ -29,7 +29,7 @@ void *SetBuilder::block(std::size_t count, std::size_t size) {
     return p;
 }
 
-SVLKXSSH &SetBuilder::add_shell(int32_t number, int32_t nE) {
+SVLKXSSH &SetBuilder::add_shell(int32_t number, int32_t nE, bool records) {
     const std::size_t n = static_cast<std::size_t>(set.nShell);
     auto *grown = static_cast<SVLKXSSH *>(block(n + 1, sizeof(SVLKXSSH)));
     if (set.pShell != nullptr) {
@@ -42,7 +42,7 @@ SVLKXSSH &SetBuilder::add_shell(int32_t number, int32_t nE) {
     SVLKXSSH &sh = set.pShell[n];
     sh.shell = number;
     sh.nE = nE;
-    sh.pE = static_cast<SVLKXSE *>(block(static_cast<std::size_t>(nE), sizeof(SVLKXSE)));
+    if (records) sh.pE = static_cast<SVLKXSE *>(block(static_cast<std::size_t>(nE), sizeof(SVLKXSE)));
     return sh;
 }
 

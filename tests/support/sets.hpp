@@ -22,8 +22,9 @@ public:
     SetBuilder(const SetBuilder &) = delete;
     SetBuilder &operator=(const SetBuilder &) = delete;
 
-    // Appends a shell of the given number with nE zero-filled records.
-    SVLKXSSH &add_shell(int32_t number, int32_t nE);
+    // Appends a shell of the given number with nE zero-filled records, or
+    // with a null pE if `records` is false.
+    SVLKXSSH &add_shell(int32_t number, int32_t nE, bool records = true);
     SVLKXSE &rec(int32_t i, int32_t j) { return set.pShell[i].pE[j]; }
 
     // A copy of `v` in a calloc block; null for an empty row.
