@@ -362,20 +362,52 @@ VLKXS_API SCMDSTATUS VLKXSWrite(SVLKXS *set, const char *prefix, int32_t mode);
  * Consistency
  * ======================================================================== */
 
-/* Validates a set; on failure `item` points at a thread-local location text
- * such as "Shell[0].E[1].SigTot=-1E-20", readable until the same thread
- * validates again. */
+/* Validates a set and changes nothing in it.  Checks, in this order, and
+ * stops at the first fault: the set pointer (2), the projectile (5) and the
+ * target (6) through their companions' IsValid, the shell count (7); then
+ * shell by shell its records (8, item "Shell[i]"); record by record E >= 0
+ * (9) and sigtot >= 0 (10); for dim 1 or more the three first-level arrays
+ * (55), and point by point dvSig1[k] >= 0 (56) and dvCum1 within [0, 1] and
+ * never falling (57); for dim 2 or more, at the same point, the second-level
+ * tables including nv2 (58) and their rows (58), pdvSig2 >= 0 (59) and the
+ * cumulated row (60).  Indices are positions, from 0.  Bounds pass, and so
+ * does a NaN (all tests are ordered comparisons).  Grids aren't looked at.
+ * On failure `item` points at a thread-local location text such as
+ * "Shell[0].E[1].SigTot=-1E-20" (itemlen 0), readable until the same
+ * thread validates again.  Reports unless quiet. */
 VLKXS_API SCMDSTATUS VLKXSIsValid(const SVLKXS *set, int32_t mode);
-/* Sets VLKXS_SHFLAG_EQUIVW on each shell whose records share one dv1 grid.
- * `limit` is not read. */
+/* Sets VLKXS_SHFLAG_EQUIVW on each shell whose records all have the dv1 of
+ * the first record, compared value by value with exact equality (0.0 ==
+ * -0.0, a NaN equals nothing), and clears it on the others; a shell without
+ * records or without a first grid gets no.  Other bits of the shell flag
+ * stay.  `limit` is not read.  Fails with 2 (null set) or 7 (no shells),
+ * reported unless quiet. */
 VLKXS_API SCMDSTATUS VLKXSIsEquivW(SVLKXS *set, double limit, int32_t mode);
 
 /* ========================================================================
  * Completion
  * ======================================================================== */
 
-/* Arranges the shells (sum shell last, created for two shells or more),
- * derives every energy record and normalises the cumulated tables. */
+/* Completes a set in place:
+ *  - a shell numbered 0 goes to the end of pShell (the last of several); a
+ *    set of two shells or more without one gets a sum shell there, shaped
+ *    after the first shell (pShell is reallocated: take pointers into it
+ *    again afterwards);
+ *  - every record of the shells present at entry gets gamma, beta2, Escal
+ *    and WNorm (projectile types 3, 4, 5; others get beta2 1 and Escal E),
+ *    km from the target's shell table where it isn't positive, and for dim
+ *    1 and 2 the running integrals (pdvCum2, the dvSig1 of dim 2, dvCum1),
+ *    sigtot and Ekin; then LET (keV cm2/g) and scaled.  For IA 2, dv1 ends
+ *    in fractions of WNorm: such a set must not be completed twice;
+ *  - the sum shell gets the sums, with km and Ekin as means weighted by
+ *    sigtot;
+ *  - every cumulated table with a positive end is normalised to end at 1.
+ * Failures, always reported: 2 for a null set or pShell, a missing table or
+ * record array, a target without a shell table, or a shell larger than the
+ * first shell where a sum shell is to be made (refused before anything
+ * changes); 21 for a dim other than 0, 1, 2; 62 for a shell number outside
+ * 0..targ.nShell (nothing changed); 1 for a failed allocation.  Nothing is
+ * rolled back after the arrangement: the set stays safe to release. */
 VLKXS_API SCMDSTATUS VLKXSComplete(SVLKXS *set, int32_t mode);
 
 /* ========================================================================
