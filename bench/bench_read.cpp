@@ -20,7 +20,8 @@ void read_file(benchmark::State &state, int dim, int energies, int points, int r
         VLKXSFree(&set, 0);
     }
     state.counters["lines"] = static_cast<double>(lines);
-    state.counters["lines/s"] = benchmark::Counter(static_cast<double>(lines) * state.iterations(), benchmark::Counter::kIsRate);
+    state.counters["lines/s"] =
+        benchmark::Counter(static_cast<double>(lines) * state.iterations(), benchmark::Counter::kIsRate);
     std::filesystem::remove(path);
 }
 

@@ -213,17 +213,13 @@ private:
         }
         int32_t code = VLKXS_C_OK;
         switch (set_.dim) {
-            case 0:
-                break;
+            case 0: break;
             case 2:
                 code = integrate_angles(e);
                 if (code == VLKXS_C_OK) code = integrate_energies(e, set_.IA);
                 break;
-            case 1:
-                code = integrate_energies(e, set_.IA);
-                break;
-            default:
-                return VLKXS_C_IADIM;
+            case 1: code = integrate_energies(e, set_.IA); break;
+            default: return VLKXS_C_IADIM;
         }
         if (code != VLKXS_C_OK) return code;
         e.LET = (e.Ekin + e.km) * e.sigtot * kAvogadro / set_.targ.M;

@@ -133,8 +133,12 @@ TEST(Complete, ArrangementOfTheShells) {
     const struct {
         std::vector<int32_t> in, out;
     } rows[] = {
-        {{0, 1, 2}, {2, 1, 0}},   {{0, 1, 0, 2}, {0, 1, 2, 0}}, {{1, 2}, {1, 2, 0}},
-        {{1, 0}, {1, 0}},         {{3}, {3}},                   {{0}, {0}},
+        {{0, 1, 2}, {2, 1, 0}},
+        {{0, 1, 0, 2}, {0, 1, 2, 0}},
+        {{1, 2}, {1, 2, 0}},
+        {{1, 0}, {1, 0}},
+        {{3}, {3}},
+        {{0}, {0}},
         {{5, 4, 3}, {5, 4, 3, 0}},
     };
     for (const auto &r : rows) {
@@ -307,8 +311,8 @@ TEST(Complete, Failures) {
         {"NoTargetTable", [](SetBuilder &b) { b.add_shell(1, 1), b.set.targ.pShell = nullptr; }, 2, 1},
         {"UnsupportedDim", [](SetBuilder &b) { b.set.dim = 7, b.add_shell(1, 1); }, 21, 1},
         {"NoSdcs", [](SetBuilder &b) { b.add_shell(1, 1).pE[0].n1 = 2; }, 2, 1},
-        {"LaterShellWithoutRecords",
-         [](SetBuilder &b) { b.add_shell(1, 1), b.add_shell(2, 0, false), b.set.dim = 0; }, 2, 3},
+        {"LaterShellWithoutRecords", [](SetBuilder &b) { b.add_shell(1, 1), b.add_shell(2, 0, false), b.set.dim = 0; },
+         2, 3},
         {"FirstShellRecordsMissing", [](SetBuilder &b) { b.add_shell(1, 1, false), b.add_shell(2, 0); }, 2, 2},
         {"MoreRecordsThanFirstShell", [](SetBuilder &b) { b.add_shell(1, 1), b.add_shell(2, 2), b.set.dim = 0; }, 2, 2},
         {"LargerGridThanFirstShell",
@@ -377,8 +381,11 @@ TEST(Complete, SecondCompletionAgrees) {
     ASSERT_EQ(complete(b).code, 0);
     ASSERT_EQ(b.set.nShell, 3);
     const SVLKXSE &again = b.set.pShell[2].pE[0];
-    for (auto [x, y] : {std::pair{first.sigtot, again.sigtot}, {first.Ekin, again.Ekin}, {first.km, again.km},
-                        {first.LET, again.LET}, {first.beta2, again.beta2}})
+    for (auto [x, y] : {std::pair{first.sigtot, again.sigtot},
+                        {first.Ekin, again.Ekin},
+                        {first.km, again.km},
+                        {first.LET, again.LET},
+                        {first.beta2, again.beta2}})
         expect_near_rel(y, x, 1e-14);
 }
 

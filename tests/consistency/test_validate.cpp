@@ -53,8 +53,7 @@ const Fault kFaults[] = {
     {"NoRecords", [](SetBuilder &b) { b.set.pShell[1].nE = 0; }, 8, "Shell[1]"},
     {"NullRecords", [](SetBuilder &b) { b.set.pShell[1].pE = nullptr; }, 8, "Shell[1]"},
     {"NegativeEnergy", [](SetBuilder &b) { b.rec(0, 1).E = -1; }, 9, "Shell[0].E[1].E=-1"},
-    {"EnergyBeforeSigma", [](SetBuilder &b) { b.rec(0, 1).E = -1, b.rec(0, 1).sigtot = -1; }, 9,
-     "Shell[0].E[1].E=-1"},
+    {"EnergyBeforeSigma", [](SetBuilder &b) { b.rec(0, 1).E = -1, b.rec(0, 1).sigtot = -1; }, 9, "Shell[0].E[1].E=-1"},
     {"NegativeSigma", [](SetBuilder &b) { b.rec(0, 1).sigtot = -1e-20; }, 10, "Shell[0].E[1].SigTot=-1E-20"},
     {"NoGrid", [](SetBuilder &b) { b.rec(1, 0).dv1 = nullptr; }, 55, "Shell[1].E[0]"},
     {"NoSdcs", [](SetBuilder &b) { b.rec(1, 0).dvSig1 = nullptr; }, 55, "Shell[1].E[0]"},
@@ -84,8 +83,8 @@ const Fault kFaults[] = {
     {"NegativeDdcs", [](SetBuilder &b) { b.rec(0, 0).pdvSig2[1][0] = -3; }, 59, "Shell[0].E[0].Sig2[1][0]=-3"},
     {"DdcsCumulationRange", [](SetBuilder &b) { b.rec(0, 0).pdvCum2[0][1] = 1.25; }, 60,
      "Shell[0].E[0].Cum2[0][1]=1.25"},
-    {"DdcsCumulationFalls", [](SetBuilder &b) { b.rec(0, 0).pdvCum2[1][0] = 0.7, b.rec(0, 0).pdvCum2[1][1] = 0.2; },
-     60, "Shell[0].E[0].Cum2[1][1]=0.2 0.7"},
+    {"DdcsCumulationFalls", [](SetBuilder &b) { b.rec(0, 0).pdvCum2[1][0] = 0.7, b.rec(0, 0).pdvCum2[1][1] = 0.2; }, 60,
+     "Shell[0].E[0].Cum2[1][1]=0.2 0.7"},
     // Order: the second level of point 0 comes before the first level of
     // point 1, record 1 of shell 0 before record 0 of shell 1.
     {"SecondLevelOfPointFirst", [](SetBuilder &b) { b.rec(0, 0).dvSig1[1] = -1, b.rec(0, 0).pdvSig2[0][0] = -1; }, 59,
@@ -106,8 +105,7 @@ const Fault kFaults[] = {
     {"InfiniteEnergyAndSigma", [](SetBuilder &b) { b.rec(0, 0).E = b.rec(0, 0).sigtot = kInf; }, 0, nullptr},
     {"EmptyRecordWithArrays", [](SetBuilder &b) { b.rec(0, 0).n1 = 0; }, 0, nullptr},
     {"PointWithoutAngles", [](SetBuilder &b) { b.rec(0, 0).nv2[0] = 0, b.rec(0, 0).pdvSig2[0][0] = -1; }, 0, nullptr},
-    {"GridsAreNotLookedAt", [](SetBuilder &b) { b.rec(0, 0).dv1[0] = -5, b.rec(0, 0).pdv2[0][2] = kNaN; }, 0,
-     nullptr},
+    {"GridsAreNotLookedAt", [](SetBuilder &b) { b.rec(0, 0).dv1[0] = -5, b.rec(0, 0).pdv2[0][2] = kNaN; }, 0, nullptr},
 };
 
 class Faults : public ::testing::TestWithParam<Fault> {};

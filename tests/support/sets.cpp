@@ -42,7 +42,7 @@ SVLKXSSH &SetBuilder::add_shell(int32_t number, int32_t nE, bool records) {
     SVLKXSSH &sh = set.pShell[n];
     sh.shell = number;
     sh.nE = nE;
-    if (records) sh.pE = static_cast<SVLKXSE *>(block(static_cast<std::size_t>(nE), sizeof(SVLKXSE)));
+    if (records) sh.pE = static_cast<SVLKXSE *>(block(static_cast<std::size_t>(nE > 0 ? nE : 0), sizeof(SVLKXSE)));
     return sh;
 }
 
@@ -52,6 +52,14 @@ double *SetBuilder::doubles(const Row &v) {
     std::memcpy(p, v.data(), v.size() * sizeof(double));
     return p;
 }
+
+int32_t *SetBuilder::ints(const std::vector<int32_t> &v) {
+    auto *p = static_cast<int32_t *>(block(v.size(), sizeof(int32_t)));
+    if (!v.empty()) std::memcpy(p, v.data(), v.size() * sizeof(int32_t));
+    return p;
+}
+
+double **SetBuilder::rows(std::size_t n) { return static_cast<double **>(block(n, sizeof(double *))); }
 
 void SetBuilder::sdcs(SVLKXSE &e, const Row &grid, const Row &sig, const Row &cum) {
     e.n1 = static_cast<int32_t>(grid.size());
@@ -66,10 +74,10 @@ void SetBuilder::ddcs(SVLKXSE &e, const Row &dv1, const std::vector<Row> &grid, 
     e.n1 = static_cast<int32_t>(n1);
     e.dv1 = doubles(dv1);
     e.dvSig1 = doubles(sig1);
-    e.nv2 = static_cast<int32_t *>(block(n1, sizeof(int32_t)));
-    e.pdv2 = static_cast<double **>(block(n1, sizeof(double *)));
-    e.pdvSig2 = static_cast<double **>(block(n1, sizeof(double *)));
-    if (!cum.empty()) e.pdvCum2 = static_cast<double **>(block(n1, sizeof(double *)));
+    e.nv2 = ints(std::vector<int32_t>(n1));
+    e.pdv2 = rows(n1);
+    e.pdvSig2 = rows(n1);
+    if (!cum.empty()) e.pdvCum2 = rows(n1);
     for (std::size_t k = 0; k < n1; ++k) {
         e.nv2[k] = static_cast<int32_t>(grid[k].size());
         e.pdv2[k] = doubles(grid[k]);

@@ -29,6 +29,9 @@ public:
 
     // A copy of `v` in a calloc block; null for an empty row.
     double *doubles(const Row &v);
+    // A copy of `v`, or a zero-filled table of n row pointers.
+    int32_t *ints(const std::vector<int32_t> &v);
+    double **rows(std::size_t n);
     // First level: grid, differential and cumulated values (an empty row
     // leaves its array null).  n1 is the size of the grid.
     void sdcs(SVLKXSE &e, const Row &grid, const Row &sig, const Row &cum = {});
