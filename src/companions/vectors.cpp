@@ -27,56 +27,48 @@ Strided<T> strided(T *p, int32_t inc) {
 // strict weak one and no comparison-based step can misbehave on them.
 bool before(double a, double b) { return a < b || (!std::isnan(a) && std::isnan(b)); }
 
-}  // namespace
-
+// Running trapezoidal integral of f(i) over the grid X, written to C unless
+// it is null; returns the whole integral.
+//
 // A grid of one point has no width to integrate over.  Its value is taken as
 // the height of a distribution that is flat over the whole cosine range
 // [-1, 1], the only range that a single angle can stand for: the integral
-// stored is twice the value.  The completion multiplies it by 2 pi, which
-// gives 4 pi times the value, the integral over the full solid angle of an
-// isotropic distribution.
-double vtrapz(const double *x, int32_t incx, const double *y, int32_t incy, double *cum, int32_t incc, int32_t n) {
-    if (n < 1 || x == nullptr || y == nullptr) return 0.0;
-    const auto X = strided(x, incx);
-    const auto Y = strided(y, incy);
-    const auto C = strided(cum, incc);
+// is twice the value.  The completion multiplies it by 2 pi, which gives 4 pi
+// times the value, the integral over the full solid angle of an isotropic
+// distribution.
+template <class F>
+double running_integral(Strided<const double> X, F &&f, Strided<double> C, int32_t n) {
     if (n == 1) {
-        const double whole = 2.0 * Y[0];
-        if (cum != nullptr) C[0] = whole;
-        return whole;
+        if (C.p != nullptr) C[0] = 2.0 * f(0);
+        return 2.0 * f(0);
     }
     double sum = 0.0;
-    if (cum != nullptr) C[0] = 0.0;
+    if (C.p != nullptr) C[0] = 0.0;
     for (std::ptrdiff_t i = 1; i < n; ++i) {
-        sum += 0.5 * (X[i] - X[i - 1]) * (Y[i] + Y[i - 1]);
-        if (cum != nullptr) C[i] = sum;
+        sum += 0.5 * (X[i] - X[i - 1]) * (f(i) + f(i - 1));
+        if (C.p != nullptr) C[i] = sum;
     }
     return sum;
 }
 
-// Trapezoidal quadrature of x*y and of y over the same intervals.  The mean
-// of a single point is that point.  A distribution whose integral is 0 has
-// no mean: 0 is returned, which adds nothing where the caller weights it by
-// that integral.
+}  // namespace
+
+double vtrapz(const double *x, int32_t incx, const double *y, int32_t incy, double *cum, int32_t incc, int32_t n) {
+    if (n < 1 || x == nullptr || y == nullptr) return 0.0;
+    const auto Y = strided(y, incy);
+    return running_integral(strided(x, incx), [&](std::ptrdiff_t i) { return Y[i]; }, strided(cum, incc), n);
+}
+
+// The integral of x*y over that of y, both by the same quadrature; a single
+// point is its own mean.  A distribution whose integral is 0 has no mean: 0
+// is returned, which adds nothing where the caller weights it by that
+// integral.
 double vtrapz1(const double *x, int32_t incx, const double *y, int32_t incy, double *cum, int32_t incc, int32_t n) {
     if (n < 1 || x == nullptr || y == nullptr) return 0.0;
     const auto X = strided(x, incx);
     const auto Y = strided(y, incy);
-    const auto C = strided(cum, incc);
-    if (n == 1) {
-        const double mean = Y[0] != 0.0 ? X[0] : 0.0;
-        if (cum != nullptr) C[0] = 2.0 * X[0] * Y[0];
-        return mean;
-    }
-    double moment = 0.0;
-    double norm = 0.0;
-    if (cum != nullptr) C[0] = 0.0;
-    for (std::ptrdiff_t i = 1; i < n; ++i) {
-        const double h = 0.5 * (X[i] - X[i - 1]);
-        moment += h * (X[i] * Y[i] + X[i - 1] * Y[i - 1]);
-        norm += h * (Y[i] + Y[i - 1]);
-        if (cum != nullptr) C[i] = moment;
-    }
+    const double moment = running_integral(X, [&](std::ptrdiff_t i) { return X[i] * Y[i]; }, strided(cum, incc), n);
+    const double norm = running_integral(X, [&](std::ptrdiff_t i) { return Y[i]; }, strided<double>(nullptr, 1), n);
     return norm != 0.0 ? moment / norm : 0.0;
 }
 
