@@ -371,46 +371,15 @@ std::string write_g(double v) {
 }
 
 std::vector<double> g_values() {
-    std::vector<double> v = {0.0,
-                             -0.0,
-                             1.0,
-                             -1.0,
-                             kInf,
-                             -kInf,
-                             kNan,
-                             -kNan,
-                             DBL_MAX,
-                             -DBL_MAX,
-                             DBL_MIN,
-                             std::numeric_limits<double>::denorm_min(),
-                             -std::numeric_limits<double>::denorm_min(),
-                             DBL_MIN / 3,
-                             9.999995,
-                             9.9999949999,
-                             9.9999950001,
-                             99999.95,
-                             99999.949999,
-                             999999.5,
-                             999999.4999,
-                             999999.0,
-                             1e6,
-                             1e6 - 0.5,
-                             1e6 + 0.5,
-                             9999995.0,
-                             0.0001,
-                             0.00009999995,
-                             0.000099999949,
-                             0.00001,
-                             0.000099999,
-                             1e-5,
-                             1.5e-17,
-                             20080825.0,
-                             0.5,
-                             123456.5,
-                             123457.5,
-                             2.5,
-                             0.125,
-                             1.0 / 3.0};
+    // clang-format off
+    std::vector<double> v = {
+        0.0, -0.0, 1.0, -1.0, kInf, -kInf, kNan, -kNan, DBL_MAX, -DBL_MAX, DBL_MIN,
+        std::numeric_limits<double>::denorm_min(), -std::numeric_limits<double>::denorm_min(), DBL_MIN / 3,
+        // around the rounding of the sixth digit and the switch to exponents
+        9.999995, 9.9999949999, 9.9999950001, 99999.95, 99999.949999, 999999.5, 999999.4999, 999999.0,
+        1e6, 1e6 - 0.5, 1e6 + 0.5, 9999995.0, 0.0001, 0.00009999995, 0.000099999949, 0.00001, 0.000099999,
+        1e-5, 1.5e-17, 20080825.0, 0.5, 123456.5, 123457.5, 2.5, 0.125, 1.0 / 3.0};
+    // clang-format on
     for (int e = -324; e <= 308; ++e) {
         const double p = std::pow(10.0, e);
         v.push_back(p);
