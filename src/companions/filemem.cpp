@@ -22,7 +22,7 @@
 #include <sys/stat.h>
 #endif
 
-#include "companions/alloc.hpp"
+#include "core/alloc.hpp"
 #include "vlkxs.h"
 
 namespace vlk {

@@ -10,9 +10,9 @@
 #include <cstring>
 #include <string_view>
 
-#include "alloc.hpp"
+#include "core/alloc.hpp"
 #include "materials.hpp"
-#include "status.hpp"
+#include "core/status.hpp"
 #include "vlkxs.h"
 
 namespace {

@@ -1,8 +1,7 @@
 // Text routines of the support layer: splitting lines into words and items,
-// counted-text number conversion, case-insensitive comparison, and the one
-// number reader and writer that the rest of the library shares.  Nothing
+// counted-text number conversion and case-insensitive comparison.  Nothing
 // here looks at the locale: blanks, letters and digits are plain ASCII, and
-// numbers go through std::from_chars/std::to_chars.
+// numbers go through the core's reader on std::from_chars.
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
@@ -12,8 +11,8 @@
 #include <string_view>
 #include <system_error>
 
-#include "companions/numbers.hpp"
-#include "companions/words.hpp"
+#include "core/numbers.hpp"
+#include "core/words.hpp"
 #include "vlkxs.h"
 
 namespace vlk {
@@ -23,8 +22,6 @@ constexpr bool is_blank(char c) noexcept { return c == ' ' || c == '\t'; }
 // Word and number separators of a line: blanks, tabs and commas.
 constexpr bool is_separator(char c) noexcept { return is_blank(c) || c == ','; }
 
-constexpr unsigned char lower(char c) noexcept { return ascii_lower(c); }
-constexpr char upper(char c) noexcept { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c; }
 
 // Drops blanks and tabs at both ends (numbers and words of a line).
 constexpr std::string_view trim_space(std::string_view s) noexcept {
@@ -47,18 +44,6 @@ constexpr T &element(T *base, int32_t stride, int32_t i) noexcept {
     return base[static_cast<std::size_t>(i) * static_cast<std::size_t>(stride)];
 }
 
-// Compares two texts of known lengths ignoring ASCII case, like strcmp of
-// the lowered characters (the shorter one compares as if a 0 followed it).
-constexpr int32_t compare_nocase(std::string_view a, std::string_view b) noexcept {
-    const std::size_t n = std::min(a.size(), b.size());
-    for (std::size_t i = 0; i < n; ++i) {
-        const int d = lower(a[i]) - lower(b[i]);
-        if (d != 0) return d;
-    }
-    if (a.size() == b.size()) return 0;
-    return a.size() < b.size() ? -static_cast<int32_t>(lower(b[n])) : static_cast<int32_t>(lower(a[n]));
-}
-
 // Orders a null text before every other one, so that the comparisons stay
 // defined for callers that pass one.
 constexpr bool null_order(const char *a, const char *b, int32_t &result) noexcept {
@@ -68,37 +53,6 @@ constexpr bool null_order(const char *a, const char *b, int32_t &result) noexcep
 }
 
 }  // namespace
-
-Parsed read_real(std::string_view text) noexcept {
-    constexpr Parsed none{0.0, 0, kReadNoNumber};
-    std::size_t skip = 0;
-    // from_chars takes a '-' but no '+'; a '+' is taken here and must be
-    // followed by the digits or the name of the number, not by another sign.
-    if (!text.empty() && text.front() == '+') {
-        skip = 1;
-        if (text.size() == 1 || text[1] == '+' || text[1] == '-') return none;
-    }
-    const char *first = text.data() + skip;
-    const char *last = text.data() + text.size();
-    double v = 0.0;
-    const auto [ptr, ec] = std::from_chars(first, last, v, std::chars_format::general);
-    if (ec == std::errc::result_out_of_range) return Parsed{0.0, 0, kReadOutOfRange};
-    if (ec != std::errc{}) return none;
-    return Parsed{v, static_cast<std::size_t>(ptr - text.data()), kReadOk};
-}
-
-std::size_t write_g(std::span<char> out, double v) noexcept {
-    // The general format with precision 6 is printf's %g by definition of
-    // to_chars; %G differs only in the case of its letters.
-    char buf[kWriteGMax];
-    const auto [ptr, ec] = std::to_chars(buf, buf + sizeof buf, v, std::chars_format::general, 6);
-    if (ec != std::errc{}) return 0;
-    const auto n = static_cast<std::size_t>(ptr - buf);
-    if (out.size() < n + 1) return 0;
-    std::transform(buf, ptr, out.begin(), upper);
-    out[n] = '\0';
-    return n;
-}
 
 }  // namespace vlk
 
@@ -176,6 +130,8 @@ int32_t cn2d(const char *p, int32_t len, double *value) {
     return 0;
 }
 
+// Each number is converted once, straight from the line: it is taken when
+// the character behind it is a separator or the end of the text.
 int32_t cn2vd(const char *p, int32_t len, double *values, int32_t stride, int32_t max) {
     std::string_view s;
     if (values == nullptr || stride < 1 || max < 1 || !vlk::counted_text(p, len, s)) return -1;
@@ -184,11 +140,9 @@ int32_t cn2vd(const char *p, int32_t len, double *values, int32_t stride, int32_
     while (n < max) {
         while (i < s.size() && vlk::is_separator(s[i])) ++i;
         if (i == s.size()) break;
-        const std::size_t start = i;
-        while (i < s.size() && !vlk::is_separator(s[i])) ++i;
-        const std::string_view item = s.substr(start, i - start);
-        const vlk::Parsed r = vlk::read_real(item);
-        if (r.code != vlk::kReadOk || r.used != item.size()) break;
+        const vlk::Parsed r = vlk::read_real(s.substr(i));
+        i += r.used;
+        if (r.code != vlk::kReadOk || (i < s.size() && !vlk::is_separator(s[i]))) break;
         vlk::element(values, stride, n++) = r.value;
     }
     return n;
@@ -200,22 +154,17 @@ int32_t strnicmp(const char *a, const char *b, size_t n) {
     int32_t r = 0;
     if (n == 0) return 0;
     if (vlk::null_order(a, b, r)) return r;
-    for (std::size_t i = 0; i < n; ++i) {
-        const int d = vlk::lower(a[i]) - vlk::lower(b[i]);
-        if (d != 0) return d;
-        if (a[i] == '\0') break;
-    }
-    return 0;
+    return vlk::compare_folded(a, n, b, n);
 }
 
 int32_t stricmp(const char *a, const char *b) {
     int32_t r = 0;
     if (vlk::null_order(a, b, r)) return r;
-    return vlk::compare_nocase(a, b);
+    return vlk::compare_folded(a, vlk::kTerminated, b, vlk::kTerminated);
 }
 
 int32_t stricnb(const char *a, const char *b) {
     int32_t r = 0;
     if (vlk::null_order(a, b, r)) return r;
-    return vlk::compare_nocase(vlk::trim_space(a), vlk::trim_space(b));
+    return vlk::compare_folded(vlk::trim_space(a), vlk::trim_space(b));
 }

@@ -8,12 +8,12 @@
 //      and every cumulated table is normalised to end at 1.
 // Nothing is rolled back on failure: counts are stored only after their
 // arrays exist, so the set is always safe to release.
+#include "core/core.hpp"
+
 #include <cmath>
 #include <cstddef>
 #include <utility>
 
-#include "companions/alloc.hpp"
-#include "records/frame.hpp"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // Whether all energy records of a shell share one first-level grid: the
 // answer goes into the shell's VLKXS_SHFLAG_EQUIVW bit, recomputed from
 // scratch at every call.
-#include "records/frame.hpp"
+#include "core/core.hpp"
 
 namespace {
 

@@ -2,12 +2,12 @@
 // for, no negative cross section, and cumulated tables in [0, 1] that never
 // fall.  The first fault ends the walk; the location text names the record
 // by its indices.
+#include "core/core.hpp"
+
 #include <charconv>
 #include <cstddef>
 #include <string_view>
 
-#include "companions/numbers.hpp"
-#include "records/frame.hpp"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "companions/words.hpp"
+#include "core/words.hpp"
 #include "vlkxs.h"
 
 namespace vlk::xs {

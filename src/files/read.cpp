@@ -12,15 +12,15 @@
 //   2    | data stored         | E, km; points/record | E, km; "!esec"/record
 //   3    |                     | data stored          | dv1; rows per "!esec"
 //   4    |                     |                      | data stored
+#include "core/core.hpp"
+
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
 
-#include "companions/alloc.hpp"
 #include "files/format.hpp"
-#include "records/frame.hpp"
 
 namespace {
 

@@ -1,9 +1,10 @@
 // Beginning, end, size and switch of a set.
+#include "core/core.hpp"
+
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
 
-#include "records/frame.hpp"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // The message table: one text for each status code.  Codes that no operation
 // of this module sets belong to other modules of the library, which hand
 // their records to VLKXSError; their rows stand here all the same.
-#include "companions/status.hpp"
+#include "core/core.hpp"
 #include "vlkxs.h"
 
 const char *const cvMsg[VLKXS_C_COUNT] = {

@@ -1,7 +1,8 @@
 // Conversions between the numbers IA and dim and their tags.
+#include "core/core.hpp"
+
 #include "records/tags.hpp"
 
-#include "records/frame.hpp"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "companions/alloc.hpp"
+#include "core/alloc.hpp"
 #include "tempdir.hpp"
 #include "vlkxs.h"
 

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "capture.hpp"
-#include "companions/alloc.hpp"
+#include "core/alloc.hpp"
 #include "faults.hpp"
 #include "vlkxs.h"
 

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <string>
 
-#include "companions/alloc.hpp"
+#include "core/alloc.hpp"
 #include "faults.hpp"
 #include "vlkxs.h"
 

@@ -17,7 +17,7 @@
 #include <string_view>
 #include <vector>
 
-#include "companions/numbers.hpp"
+#include "core/numbers.hpp"
 #include "vlkxs.h"
 
 namespace {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "capture.hpp"
-#include "companions/alloc.hpp"
+#include "core/alloc.hpp"
 #include "sets.hpp"
 #include "tempdir.hpp"
 

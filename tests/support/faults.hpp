@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "companions/alloc.hpp"
+#include "core/alloc.hpp"
 #include "vlkxs.h"
 
 namespace vlktest {

@@ -5,7 +5,7 @@
 
 #include <new>
 
-#include "companions/status.hpp"
+#include "core/status.hpp"
 #include "vlkxs.h"
 
 namespace vlk {

@@ -1,12 +1,16 @@
-#include "alloc.hpp"
+#include "core/alloc.hpp"
 
-#include <atomic>
 #include <cstdlib>
 #include <cstring>
+
+#if defined(VLKXS_FAULT_INJECTION)
+#include <atomic>
+#endif
 
 namespace vlk {
 namespace {
 
+#if defined(VLKXS_FAULT_INJECTION)
 std::atomic<long> g_fail_at{0};  // 0: off; else allocations left until the failing one
 std::atomic<long> g_count{0};
 
@@ -21,6 +25,9 @@ bool injected_failure() noexcept {
     g_fail_at.store(left - 1, std::memory_order_relaxed);
     return false;
 }
+#else
+constexpr bool injected_failure() noexcept { return false; }
+#endif
 
 }  // namespace
 
@@ -46,9 +53,11 @@ char *dup_text(const char *s, std::size_t n) noexcept {
 
 char *dup_text(const char *s) noexcept { return dup_text(s, std::strlen(s)); }
 
+#if defined(VLKXS_FAULT_INJECTION)
 long testhook::fail_alloc_after(long n) noexcept {
     g_fail_at.store(n < 0 ? 0 : n, std::memory_order_relaxed);
     return g_count.exchange(0, std::memory_order_relaxed);
 }
+#endif
 
 }  // namespace vlk
