@@ -478,7 +478,10 @@ VLKXS_API int32_t _cmderrMsg(const SCMDSTATUS *status, int32_t flags);
 VLKXS_API int32_t _prtcl(const char *text, int32_t cls);
 
 /* File memory: one image of a whole file, delivered line by line.  Each
- * line is followed by a 0 byte; a "\r" before the "\n" is not part of it. */
+ * line is followed by a 0 byte; a "\r" before the "\n" is not part of it.
+ * Read also keeps the length of every line, so that each further pass steps
+ * from line to line without scanning the text again.  A file of more lines
+ * than a signed 32-bit count holds (2147483647) is refused by Read. */
 typedef struct SUFILEMEM {
     char *pLine;      /* first byte of the current line                   */
     uint32_t nLine;   /* its length, line end not counted                 */
@@ -487,6 +490,8 @@ typedef struct SUFILEMEM {
     uint64_t nImage;  /* bytes of the file                                */
     uint64_t iNext;   /* offset of the next line                          */
     int32_t nLineNo;  /* lines delivered in this pass                      */
+    int32_t nLines;   /* lines of the image                               */
+    uint32_t *pLen;   /* length of each line, nLines entries               */
 } SUFILEMEM;
 
 VLKXS_API int32_t uFileMemInit(SUFILEMEM *fm, int32_t trace);

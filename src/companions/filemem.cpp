@@ -1,17 +1,14 @@
 // File memory: a whole file read once into one image and handed out line by
 // line, any number of passes.
 //
-// Layout of the one block behind pImage:
-//   [0, nImage)          the bytes of the file, line ends replaced (below)
-//   [nImage]             a 0 byte that ends a last line without a line end
-//   [nImage + 1, ...)    one bit a byte of the image: set where a line ends
-//
-// Read prepares every line at once: the byte just behind each line becomes
-// 0 (the "\n", or the "\r" of a "\r\n", whose "\n" stays), and its bit is
-// set.  The bits are needed because a line may hold 0 bytes of its own;
-// a 0 in the image ends a line only where its bit says so.  After Read the
-// image never changes again, so that the pointers handed out stay valid and
-// show the same text in every pass until Close.
+// Read prepares every line at once: the byte just behind each line becomes 0
+// (the "\n", or the "\r" of a "\r\n", whose "\n" stays), and the length of
+// the line goes into an index, one 32-bit entry a line.  A line may hold 0
+// bytes of its own; the index, not the 0 bytes, says where it ends.  Every
+// later pass steps through the index without looking at the text.  After
+// Read the image never changes again, so that the pointers handed out stay
+// valid and show the same text in every pass until Close.
+#include <atomic>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -22,25 +19,27 @@
 #include <sys/stat.h>
 #endif
 
+#include "companions/filemem.hpp"
 #include "core/alloc.hpp"
+#include "core/status.hpp"
 #include "vlkxs.h"
 
 namespace vlk {
 namespace {
 
-constexpr bool traced(int32_t trace) noexcept { return trace < 0; }
-
 std::FILE *stream_of(const SUFILEMEM *fm) noexcept { return static_cast<std::FILE *>(fm->fp); }
 
-unsigned char *bits_of(const SUFILEMEM *fm) noexcept {
-    return reinterpret_cast<unsigned char *>(fm->pImage + fm->nImage + 1);
-}
-bool ends_line(const unsigned char *bits, std::uint64_t at) noexcept {
-    return (bits[at / 8] >> (at % 8) & 1u) != 0;
-}
-void mark_line_end(unsigned char *bits, std::uint64_t at) noexcept {
-    bits[at / 8] = static_cast<unsigned char>(bits[at / 8] | 1u << (at % 8));
-}
+// Lines a signed 32-bit line counter can number; tests may lower it.
+constexpr int64_t kMaxLines = std::numeric_limits<int32_t>::max();
+#if defined(VLKXS_FAULT_INJECTION)
+std::atomic<int64_t> g_max_lines{kMaxLines};
+int64_t max_lines() noexcept { return g_max_lines.load(std::memory_order_relaxed); }
+#else
+constexpr int64_t max_lines() noexcept { return kMaxLines; }
+#endif
+
+// A length the index can't hold: such a line ends the delivery.
+constexpr uint32_t kTooLong = std::numeric_limits<uint32_t>::max();
 
 // Bytes of the stream from its position to its end; false if the stream
 // can't tell (a pipe, a terminal).
@@ -63,24 +62,40 @@ void close_stream(SUFILEMEM *fm) noexcept {
     fm->fp = nullptr;
 }
 
-// Terminates every line of a freshly read image in place and marks its end.
-void prepare_lines(SUFILEMEM *fm) noexcept {
-    char *image = fm->pImage;
-    unsigned char *bits = bits_of(fm);
-    const std::uint64_t n = fm->nImage;
-    std::uint64_t start = 0;
+// Lines of an image of n bytes: one a "\n", and one more for a last line
+// without a line end.
+uint64_t count_lines(const char *image, uint64_t n) noexcept {
+    uint64_t lines = 0;
+    for (const char *p = image, *end = image + n;; ++p, ++lines) {
+        p = static_cast<const char *>(std::memchr(p, '\n', static_cast<std::size_t>(end - p)));
+        if (p == nullptr) break;
+    }
+    return (n > 0 && image[n - 1] != '\n') ? lines + 1 : lines;
+}
+
+// Terminates every line of a freshly read image in place and stores its
+// length in `len`, which has room for every line.
+void prepare_lines(char *image, uint64_t n, uint32_t *len) noexcept {
+    uint64_t start = 0;
     while (start < n) {
         const void *hit = std::memchr(image + start, '\n', static_cast<std::size_t>(n - start));
-        if (hit == nullptr) break;  // a last line without a line end: image[n] is its 0
-        const auto nl = static_cast<std::uint64_t>(static_cast<const char *>(hit) - image);
-        const std::uint64_t end = (nl > start && image[nl - 1] == '\r') ? nl - 1 : nl;
+        // A last line without a line end: image[n] is its 0.
+        const auto nl = hit != nullptr ? static_cast<uint64_t>(static_cast<const char *>(hit) - image) : n;
+        const uint64_t end = (hit != nullptr && nl > start && image[nl - 1] == '\r') ? nl - 1 : nl;
         image[end] = '\0';
-        mark_line_end(bits, end);
+        *len++ = end - start < kTooLong ? static_cast<uint32_t>(end - start) : kTooLong;
         start = nl + 1;
     }
 }
 
 }  // namespace
+
+#if defined(VLKXS_FAULT_INJECTION)
+int64_t testhook::set_line_limit(int64_t n) noexcept {
+    return g_max_lines.exchange(n > 0 && n < kMaxLines ? n : kMaxLines, std::memory_order_relaxed);
+}
+#endif
+
 }  // namespace vlk
 
 int32_t uFileMemInit(SUFILEMEM *fm, int32_t trace) {
@@ -120,11 +135,10 @@ int32_t uFileMemRead(SUFILEMEM *fm, int32_t trace) {
 
     std::uint64_t size = 0;
     bool ok = vlk::stream_size(f, size);
-    // Image, its 0 byte and the line-end bits in one block.
+    // The image and the 0 byte behind it.
     constexpr std::uint64_t limit = std::numeric_limits<std::size_t>::max() / 2;
     ok = ok && size < limit;
-    const std::uint64_t bytes = size + 1 + (size + 1 + 7) / 8;
-    char *image = ok ? static_cast<char *>(vlk::zalloc(static_cast<std::size_t>(bytes), 1)) : nullptr;
+    char *image = ok ? static_cast<char *>(vlk::zalloc(static_cast<std::size_t>(size + 1), 1)) : nullptr;
     std::uint64_t got = 0;
     if (image != nullptr) {
         got = std::fread(image, 1, static_cast<std::size_t>(size), f);
@@ -134,6 +148,12 @@ int32_t uFileMemRead(SUFILEMEM *fm, int32_t trace) {
         ok = false;
     }
     vlk::close_stream(fm);
+    const std::uint64_t lines = ok ? vlk::count_lines(image, got) : 0;
+    uint32_t *len = nullptr;
+    // Line numbers are signed 32-bit counts: a file of more lines is refused
+    // before any count can wrap.
+    ok = ok && static_cast<int64_t>(lines) <= vlk::max_lines() &&
+         (len = vlk::zalloc_n<uint32_t>(static_cast<std::size_t>(lines))) != nullptr;
     if (!ok) {
         std::free(image);
         if (vlk::traced(trace)) std::fprintf(stderr, "<D> uFileMemRead() failed\n");
@@ -141,12 +161,13 @@ int32_t uFileMemRead(SUFILEMEM *fm, int32_t trace) {
     }
 
     std::free(fm->pImage);
+    std::free(fm->pLen);
+    if (got < size) image[got] = '\0';
+    vlk::prepare_lines(image, got, len);
     fm->pImage = image;
     fm->nImage = got;
-    // The bits start right behind the 0 byte, which moves with a short read;
-    // clear the bytes that lay between and any bits they would mean.
-    if (got < size) std::memset(image + got, 0, static_cast<std::size_t>(bytes - got));
-    vlk::prepare_lines(fm);
+    fm->pLen = len;
+    fm->nLines = static_cast<int32_t>(lines);
     fm->iNext = 0;
     fm->nLineNo = 0;
     fm->pLine = nullptr;
@@ -170,41 +191,23 @@ int32_t uFileMemLineFirst(SUFILEMEM *fm, int32_t trace) {
 // delivery like the end of the file does.
 int32_t uFileMemLineNext(SUFILEMEM *fm, int32_t trace) {
     if (fm == nullptr) return -1;
-    char *image = fm->pImage;
-    const std::uint64_t n = fm->nImage;
-    const std::uint64_t start = fm->iNext;
-    if (image == nullptr || start >= n) {
+    const int32_t i = fm->nLineNo;
+    const uint32_t n = (fm->pImage != nullptr && fm->pLen != nullptr && i < fm->nLines) ? fm->pLen[i] : vlk::kTooLong;
+    if (n == vlk::kTooLong) {
         fm->pLine = nullptr;
         fm->nLine = 0;
         if (vlk::traced(trace)) std::fprintf(stderr, "<D> uFileMemLineNext() end after %d lines\n", fm->nLineNo);
         return 1;
     }
-    const unsigned char *bits = vlk::bits_of(fm);
-    std::uint64_t end = start;
-    for (;;) {
-        const void *hit = std::memchr(image + end, '\0', static_cast<std::size_t>(n - end));
-        if (hit == nullptr) {
-            end = n;
-            break;
-        }
-        end = static_cast<std::uint64_t>(static_cast<const char *>(hit) - image);
-        if (vlk::ends_line(bits, end)) break;
-        ++end;  // a 0 byte of the line itself
-    }
-    if (end - start > std::numeric_limits<uint32_t>::max()) {
-        fm->pLine = nullptr;
-        fm->nLine = 0;
-        if (vlk::traced(trace)) std::fprintf(stderr, "<D> uFileMemLineNext() line too long\n");
-        return 1;
-    }
-    // Behind a line end at `end`: the "\n" of a "\r\n" is still there (every
+    const std::uint64_t start = fm->iNext;
+    // Behind the line's 0 byte: the "\n" of a "\r\n" is still there (every
     // other "\n" became 0), and the next line starts after it.
-    std::uint64_t next = end < n ? end + 1 : n;
-    if (next < n && image[next] == '\n') ++next;
-    fm->pLine = image + start;
-    fm->nLine = static_cast<uint32_t>(end - start);
+    std::uint64_t next = start + n + 1;
+    if (next < fm->nImage && fm->pImage[next] == '\n') ++next;
+    fm->pLine = fm->pImage + start;
+    fm->nLine = n;
     fm->iNext = next;
-    if (fm->nLineNo < std::numeric_limits<int32_t>::max()) ++fm->nLineNo;
+    fm->nLineNo = i + 1;
     return 0;
 }
 
@@ -213,6 +216,7 @@ int32_t uFileMemClose(SUFILEMEM *fm, int32_t trace) {
     if (vlk::traced(trace)) std::fprintf(stderr, "<D> uFileMemClose()\n");
     vlk::close_stream(fm);
     std::free(fm->pImage);
+    std::free(fm->pLen);
     *fm = SUFILEMEM{};
     return 0;
 }

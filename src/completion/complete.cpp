@@ -17,21 +17,11 @@
 
 namespace {
 
-// Constants of the kinematics (CODATA 1986, as elsewhere in the library).
-constexpr double kElectronRestKeV = 510.99906;
-constexpr double kAtomicMassUnitMeV = 931.49432;  // ion energies are MeV/u
-constexpr double kAvogadro = 6.0221367e23;        // per mol
-constexpr double kTwoPi = 6.283185307179586;
-
-std::size_t count(int32_t n) { return n > 0 ? static_cast<std::size_t>(n) : 0; }
-
-// Allocates a zero-filled block of n elements into `field`; false if the
-// allocation failed (the field is then still null).
-template <class T>
-bool make(T *&field, int32_t n) {
-    field = vlk::zalloc_n<T>(count(n));
-    return field != nullptr;
-}
+using vlk::kAtomicMassUnitMeV;
+using vlk::kAvogadro;
+using vlk::kElectronRestKeV;
+using vlk::kTwoPi;
+using vlk::make;
 
 // A record with points whose first or second level is larger than that of
 // the first shell's record at the same place, or a shell with more records
@@ -80,7 +70,7 @@ int32_t shape_sum_record(SVLKXSE &s, const SVLKXSE &f) {
 // and nShell stay; later failures leave a partly shaped sum shell that the
 // set owns.
 int32_t create_sum_shell(SVLKXS &set) {
-    const std::size_t n = count(set.nShell);
+    const std::size_t n = vlk::count_of(set.nShell);
     void *grown = vlk::zrealloc(set.pShell, n * sizeof(SVLKXSSH), (n + 1) * sizeof(SVLKXSSH));
     if (grown == nullptr) return VLKXS_C_RUNTIME;
     set.pShell = static_cast<SVLKXSSH *>(grown);
@@ -253,17 +243,12 @@ void normalise(double *cum, int32_t n) {
 }
 
 void normalise_all(SVLKXS &set) {
-    for (int32_t i = 0; i < set.nShell; ++i) {
-        SVLKXSSH &sh = set.pShell[i];
-        if (sh.pE == nullptr) continue;
-        for (int32_t j = 0; j < sh.nE; ++j) {
-            SVLKXSE &e = sh.pE[j];
-            if (e.nv2 != nullptr && e.pdvCum2 != nullptr)
-                for (int32_t k = 0; k < e.n1; ++k)
-                    if (e.pdvCum2[k] != nullptr && e.nv2[k] >= 1) normalise(e.pdvCum2[k], e.nv2[k]);
-            if (e.n1 >= 1 && e.dvCum1 != nullptr) normalise(e.dvCum1, e.n1);
-        }
-    }
+    vlk::for_each_record(set, [](SVLKXSE &e) {
+        if (e.nv2 != nullptr && e.pdvCum2 != nullptr)
+            for (int32_t k = 0; k < e.n1; ++k)
+                if (e.pdvCum2[k] != nullptr && e.nv2[k] >= 1) normalise(e.pdvCum2[k], e.nv2[k]);
+        if (e.n1 >= 1 && e.dvCum1 != nullptr) normalise(e.dvCum1, e.n1);
+    });
 }
 
 // --- Stage 1 and the whole -------------------------------------------------

@@ -123,15 +123,16 @@ SCMDSTATUS VLKXSIsValid(const SVLKXS *set, int32_t mode) {
         const int32_t check = vlk::trace_bit(mode) | VLKXS_MODE_CHECK;
         if (vlk::severe(VLKProjIsValid(&set->proj, check).level)) return vlk::fail(st, VLKXS_C_BADPROJ);
         if (vlk::severe(VLKTargIsValid(&set->targ, check).level)) return vlk::fail(st, VLKXS_C_BADTARG);
-        if (set->nShell <= 0 || set->pShell == nullptr) return vlk::fail(st, VLKXS_C_NSHELL);
-        for (int32_t i = 0; i < set->nShell; ++i) {
-            const SVLKXSSH &sh = set->pShell[i];
-            if (sh.nE <= 0 || sh.pE == nullptr) {
-                fail_at(st, VLKXS_C_NE, shell_at(i));
+        const auto shells = vlk::shells(*set);
+        if (shells.empty()) return vlk::fail(st, VLKXS_C_NSHELL);
+        for (std::size_t i = 0; i < shells.size(); ++i) {
+            const auto records = vlk::records(shells[i]);
+            if (records.empty()) {
+                fail_at(st, VLKXS_C_NE, shell_at(static_cast<int32_t>(i)));
                 return;
             }
-            for (int32_t j = 0; j < sh.nE; ++j)
-                if (!check_record(st, sh.pE[j], set->dim, i, j)) return;
+            for (std::size_t j = 0; j < records.size(); ++j)
+                if (!check_record(st, records[j], set->dim, static_cast<int32_t>(i), static_cast<int32_t>(j))) return;
         }
         vlk::succeed(st);
     });

@@ -14,10 +14,11 @@
 //   4    |                     |                      | data stored
 #include "core/core.hpp"
 
+#include <algorithm>
+#include <bit>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
-#include <string>
 #include <string_view>
 
 #include "files/format.hpp"
@@ -26,10 +27,98 @@ namespace {
 
 using namespace vlk::xs;
 
-struct FreeDeleter {
-    void operator()(void *p) const noexcept { std::free(p); }
+// A terminated copy of a tag's argument, for the routines that take texts
+// (word splitting, the companions).  One block through the allocation path,
+// grown as needed and reused for every tag line of the read.
+class ArgCopy {
+public:
+    ArgCopy() = default;
+    ArgCopy(const ArgCopy &) = delete;
+    ArgCopy &operator=(const ArgCopy &) = delete;
+    ~ArgCopy() { std::free(p_); }
+    // Null if the block couldn't grow.
+    char *take(std::string_view arg) noexcept {
+        if (arg.size() + 1 > cap_) {
+            void *grown = vlk::zrealloc(p_, cap_, arg.size() + 1);
+            if (grown == nullptr) return nullptr;
+            p_ = static_cast<char *>(grown);
+            cap_ = arg.size() + 1;
+        }
+        std::memcpy(p_, arg.data(), arg.size());
+        p_[arg.size()] = '\0';
+        return p_;
+    }
+
+private:
+    char *p_ = nullptr;
+    std::size_t cap_ = 0;
 };
-using TextCopy = std::unique_ptr<char, FreeDeleter>;
+
+// Finds the first repeat of a value within one section of the file (the
+// shells of the file, the energies of a shell, the secondary energies of a
+// record) in constant time a value, so that reading stays linear in the size
+// of the file.  Values are compared as doubles: 0 and -0 are one value, and
+// a NaN repeats nothing.  An open-addressing table with generation stamps:
+// starting a section is one increment, and the table is sized once a pass
+// for the largest section, at most half full.  The hash is seeded afresh for
+// every read, so that no file can be made to collide on purpose.
+class Repeats {
+public:
+    Repeats() = default;
+    Repeats(const Repeats &) = delete;
+    Repeats &operator=(const Repeats &) = delete;
+    ~Repeats() { std::free(slots_); }
+
+    // Room for sections of up to n values; false if the allocation failed.
+    bool reserve(int32_t n) noexcept {
+        std::size_t want = 16;
+        while (want < 2 * vlk::count_of(n)) want *= 2;
+        gen_ = 0;
+        if (want <= mask_ + 1 && slots_ != nullptr) {
+            std::memset(slots_, 0, (mask_ + 1) * sizeof(Slot));
+            return true;
+        }
+        std::free(slots_);
+        slots_ = vlk::zalloc_n<Slot>(want);
+        mask_ = slots_ != nullptr ? want - 1 : 0;
+        if (seed_ == 0)
+            seed_ = mix(reinterpret_cast<std::uintptr_t>(slots_) ^
+                        static_cast<uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count())) |
+                    1;
+        return slots_ != nullptr;
+    }
+    void next_section() noexcept { ++gen_; }
+    // True if `v` stood before in this section; else it is noted.
+    bool seen(double v) noexcept {
+        if (v != v) return false;
+        if (v == 0.0) v = 0.0;  // -0 is 0
+        const uint64_t key = std::bit_cast<uint64_t>(v);
+        for (std::size_t i = mix(key ^ seed_) & mask_;; i = (i + 1) & mask_) {
+            Slot &s = slots_[i];
+            if (s.gen != gen_ + 1) {
+                s.key = key;
+                s.gen = gen_ + 1;
+                return false;
+            }
+            if (s.key == key) return true;
+        }
+    }
+
+private:
+    struct Slot {
+        uint64_t key;
+        uint32_t gen;  // 0: never used; else the section's stamp + 1
+    };
+    static uint64_t mix(uint64_t x) noexcept {  // the finaliser of splitmix64
+        x = (x ^ (x >> 30)) * 0xbf58476d1ce4e5b9ull;
+        x = (x ^ (x >> 27)) * 0x94d049bb133111ebull;
+        return x ^ (x >> 31);
+    }
+    Slot *slots_ = nullptr;
+    std::size_t mask_ = 0;
+    uint32_t gen_ = 0;
+    uint64_t seed_ = 0;
+};
 
 // The file memory record, closed on every way out of the read.
 struct FileMemory {
@@ -42,12 +131,10 @@ struct FileMemory {
 };
 
 // The offending line of a failed read outlives the file image: the returned
-// record points at this copy, which stays until the thread's next failed read.
-const char *keep_line(const char *text, int32_t len) {
-    thread_local std::string copy;
-    copy.assign(text, len > 0 ? static_cast<std::size_t>(len) : 0);
-    return copy.c_str();
-}
+// record points at this copy, which stays until the thread's next failed
+// read.  A fixed buffer, so that keeping the line can't fail when memory is
+// short; a longer line is cut to its first 511 bytes.
+thread_local vlk::FixedText<512> t_line;
 
 class Reader {
 public:
@@ -123,19 +210,23 @@ private:
         }
         itag_ = tag;
         const std::string_view arg = tag_argument(line, tag);
-        TextCopy copy(vlk::dup_text(arg.data(), arg.size()));
-        if (!copy) return fail(VLKXS_C_RUNTIME);
+        // Only the texts need a terminated copy; numbers are read in place.
+        char *copy = nullptr;
+        if (tag == 0 || (pass_ == 0 && (tag == 3 || tag == 4))) {
+            copy = arg_.take(arg);
+            if (copy == nullptr) return fail(VLKXS_C_RUNTIME);
+        }
         if (vlk::traced(mode_)) std::fprintf(stderr, "<D> %d %d =>", tag, state_);
         const int8_t next = next_state(tag);
         if (vlk::traced(mode_)) std::fprintf(stderr, " %d\n", next);
         state_ = next;
         if (next < 0) return fail(VLKXS_C_R_SYNTAX);
         switch (tag) {
-            case 0: return filetype(copy.get());
+            case 0: return filetype(copy);
             case 1: return fileversion(arg);
             case 2: return true;
-            case 3: return target(copy.get());
-            case 4: return projectile(copy.get());
+            case 3: return target(copy);
+            case 4: return projectile(copy);
             case 5: return shell_tag(arg);
             case 6: return eproj(arg);
             default: return esec(arg);
@@ -154,9 +245,6 @@ private:
         return true;
     }
 
-    // The argument is looked at in the line itself: a line that ends right at
-    // the tag has its terminating 0 byte there, while trailing blanks leave a
-    // blank there and an empty number for cn2l to judge.
     bool fileversion(std::string_view arg) {
         if (*arg.data() == '\0') return fail(VLKXS_C_R_VERSION);
         int32_t version = 0;
@@ -181,11 +269,11 @@ private:
         if (cn2l(arg.data(), static_cast<int32_t>(arg.size()), &number) < 0) return fail(VLKXS_C_R_NUMBER);
         if (number < 0) return fail(VLKXS_C_R_SHELL);
         if (pass_ == 1) {
-            for (int32_t i = 0; i < cnt_shell_; ++i)
-                if (set_.pShell[i].shell == number) return fail(VLKXS_C_R_DUPSHELL);
+            if (repeats_.seen(number)) return fail(VLKXS_C_R_DUPSHELL);
             set_.pShell[cnt_shell_].shell = number;
             set_.pShell[cnt_shell_].at = st_;
         }
+        if (pass_ == 2) repeats_.next_section();  // energies repeat only within a shell
         cur_shell_ = cnt_shell_++;
         cnt_e_ = cur_e_ = cnt1_ = cur1_ = cnt2_ = 0;
         return true;
@@ -198,13 +286,13 @@ private:
         if (pass_ == 1) shell().nE = cnt_e_ + 1;
         if (pass_ == 2) {
             SVLKXSSH &sh = shell();
-            for (int32_t j = 0; j < cnt_e_; ++j)
-                if (sh.pE[j].E == v[0]) return fail(VLKXS_C_R_DUPEPROJ);
+            if (repeats_.seen(v[0])) return fail(VLKXS_C_R_DUPEPROJ);
             SVLKXSE &e = sh.pE[cnt_e_];
             e.E = v[0];
             if (sh.shell == 0) e.km = v[1];
             e.at = st_;
         }
+        if (pass_ == 3) repeats_.next_section();  // secondary energies repeat only within a record
         cur_e_ = cnt_e_++;
         cnt1_ = cur1_ = cnt2_ = 0;
         return true;
@@ -216,10 +304,8 @@ private:
         if (w < 0) return fail(VLKXS_C_R_ESEC);
         if (pass_ == 2) energy().n1 = cnt1_ + 1;
         if (pass_ == 3) {
-            SVLKXSE &e = energy();
-            for (int32_t k = 0; k < cnt1_; ++k)
-                if (e.dv1[k] == w) return fail(VLKXS_C_R_DUPESEC);
-            e.dv1[cnt1_] = w;
+            if (repeats_.seen(w)) return fail(VLKXS_C_R_DUPESEC);
+            energy().dv1[cnt1_] = w;
         }
         cur1_ = cnt1_++;
         cnt2_ = 0;
@@ -290,44 +376,47 @@ private:
 
     template <class T>
     bool make(T *&p, int32_t n) {
-        p = vlk::zalloc_n<T>(static_cast<std::size_t>(n));
-        return p != nullptr || fail(VLKXS_C_RUNTIME);
+        return vlk::make(p, n) || fail(VLKXS_C_RUNTIME);
     }
+    // Sizes the search for repeats for the largest section of the next pass.
+    bool expect_sections(int32_t largest) { return repeats_.reserve(largest) || fail(VLKXS_C_RUNTIME); }
 
     // Allocates the next level of arrays, each at its counted size; an empty
     // section only warns, pointing at its "!shell" or "!eproj" line.
     bool end_of_pass() {
+        int32_t largest = 0;
         switch (pass_) {
             case 0:
                 if (cnt_shell_ < 1) return fail(VLKXS_C_R_NSHELL);
                 if (!make(set_.pShell, cnt_shell_)) return false;
                 set_.nShell = cnt_shell_;
-                return true;
+                return expect_sections(cnt_shell_);
             case 1:
-                for (int32_t i = 0; i < set_.nShell; ++i) {
-                    SVLKXSSH &sh = set_.pShell[i];
+                for (SVLKXSSH &sh : vlk::shells(set_)) {
                     if (sh.nE < 1) {
                         warn(sh.at, VLKXS_C_R_NODATA);
                         continue;
                     }
                     if (!make(sh.pE, sh.nE)) return false;
+                    largest = std::max(largest, sh.nE);
                 }
-                return true;
+                return dim_ < 1 || expect_sections(largest);
             case 2:
                 if (dim_ < 1) return true;
-                return for_each_energy([&](SVLKXSE &e) {
+                return vlk::for_each_record(set_, [&](SVLKXSE &e) {
                     if (e.n1 < 1) {
                         warn(e.at, VLKXS_C_R_NODATA);
                         return true;
                     }
+                    largest = std::max(largest, e.n1);
                     if (!make(e.dv1, e.n1) || !make(e.dvSig1, e.n1)) return false;
                     if (dim_ == 2 && (!make(e.nv2, e.n1) || !make(e.pdv2, e.n1) || !make(e.pdvSig2, e.n1)))
                         return false;
                     return true;
-                });
+                }) && (dim_ < 2 || expect_sections(largest));
             case 3:
                 if (dim_ < 2) return true;
-                return for_each_energy([&](SVLKXSE &e) {
+                return vlk::for_each_record(set_, [&](SVLKXSE &e) {
                     if (e.nv2 == nullptr) return true;
                     for (int32_t k = 0; k < e.n1; ++k) {
                         if (e.nv2[k] < 1) {
@@ -342,23 +431,14 @@ private:
         }
     }
 
-    template <class F>
-    bool for_each_energy(F &&f) {
-        for (int32_t i = 0; i < set_.nShell; ++i) {
-            SVLKXSSH &sh = set_.pShell[i];
-            if (sh.pE == nullptr) continue;
-            for (int32_t j = 0; j < sh.nE; ++j)
-                if (!f(sh.pE[j])) return false;
-        }
-        return true;
-    }
-
     SVLKXS &set_;
     const char *path_;
     int32_t mode_;
     int32_t trace_;
     SCMDSTATUS &st_;
     SUFILEMEM &fm_;
+    ArgCopy arg_;
+    Repeats repeats_;
     int32_t pass_ = 0;
     int32_t npass_ = 1;  // the first "!filetype" line decides on the others
     int32_t dim_ = 0;
@@ -393,7 +473,9 @@ SCMDSTATUS VLKXSRead(SVLKXS *set, const char *path, int32_t mode) {
             if (reader.run()) {
                 vlk::succeed(st);
             } else if (st.text != nullptr) {
-                st.text = keep_line(st.text, st.textlen);
+                t_line.assign({st.text, vlk::count_of(st.textlen)});
+                st.text = t_line.c_str();
+                st.textlen = static_cast<int32_t>(t_line.size());
             }
         },
         [&] {

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
+#include <utility>
 
 
 namespace {
@@ -29,11 +30,8 @@ void release_energy(SVLKXSE &e) noexcept {
 }
 
 void release_tree(SVLKXS &set) noexcept {
-    if (set.pShell == nullptr) return;
-    for (int32_t i = 0; i < set.nShell; ++i) {
-        SVLKXSSH &sh = set.pShell[i];
-        if (sh.pE == nullptr) continue;
-        for (int32_t j = 0; j < sh.nE; ++j) release_energy(sh.pE[j]);
+    for (SVLKXSSH &sh : vlk::shells(set)) {
+        for (SVLKXSE &e : vlk::records(sh)) release_energy(e);
         std::free(sh.pE);
     }
     std::free(set.pShell);
@@ -43,13 +41,13 @@ void release_tree(SVLKXS &set) noexcept {
 // row pointers add nothing of their own; rows count by their contents.
 uint64_t energy_bytes(const SVLKXSE &e) noexcept {
     uint64_t bytes = sizeof(SVLKXSE);
-    const uint64_t n1 = e.n1 > 0 ? static_cast<uint64_t>(e.n1) : 0;
+    const uint64_t n1 = vlk::count_of(e.n1);
     for (const double *a : {e.dv1, e.dvSig1, e.dvCum1})
         if (a != nullptr) bytes += n1 * sizeof(double);
     if (e.nv2 != nullptr) {
         bytes += n1 * sizeof(int32_t);
         for (uint64_t k = 0; k < n1; ++k) {
-            const uint64_t n2 = e.nv2[k] > 0 ? static_cast<uint64_t>(e.nv2[k]) : 0;
+            const uint64_t n2 = vlk::count_of(e.nv2[k]);
             for (double **rows : {e.pdv2, e.pdvSig2, e.pdvCum2})
                 if (rows != nullptr && rows[k] != nullptr) bytes += n2 * sizeof(double);
         }
@@ -98,13 +96,9 @@ SCMDSTATUS VLKXSSpace(SVLKXS *set, int32_t mode) {
         VLKTargSpace(&set->targ, vlk::trace_bit(mode));
         bytes += set->targ.space;
         bytes -= sizeof(SVLKTARG);
-        if (set->pShell != nullptr && set->nShell > 0) {
-            for (int32_t i = 0; i < set->nShell; ++i) {
-                const SVLKXSSH &sh = set->pShell[i];
-                bytes += sizeof(SVLKXSSH);
-                if (sh.pE == nullptr || sh.nE <= 0) continue;
-                for (int32_t j = 0; j < sh.nE; ++j) bytes += energy_bytes(sh.pE[j]);
-            }
+        for (const SVLKXSSH &sh : vlk::shells(std::as_const(*set))) {
+            bytes += sizeof(SVLKXSSH);
+            for (const SVLKXSE &e : vlk::records(sh)) bytes += energy_bytes(e);
         }
         // The field is 32 bits wide; a larger set keeps the low bits.
         set->space = static_cast<uint32_t>(bytes);
