@@ -10,47 +10,33 @@ namespace {
 using namespace vlk::xs;
 
 TEST(Format, LinesAreToldApartByTheirFirstCharacter) {
-    struct Row {
-        std::string_view line;
-        LineKind kind;
+    const std::pair<std::string_view, LineKind> rows[] = {
+        {"", LineKind::Empty},         {"    ", LineKind::Empty},     {std::string_view("\0x", 2), LineKind::Empty},
+        {"  !shell 1", LineKind::Tag}, {"# note", LineKind::Comment}, {"  #<E>", LineKind::Comment},
+        {"1 2", LineKind::Data},       {"\t!shell", LineKind::Data},  {"\t#", LineKind::Data},
+        {"\t\t", LineKind::Data},      {"abc", LineKind::Data},
     };
-    const Row rows[] = {
-        {"", LineKind::Empty},        {"    ", LineKind::Empty},       {std::string_view("\0x", 2), LineKind::Empty},
-        {"  !shell 1", LineKind::Tag}, {"# note", LineKind::Comment},  {"  #<E>", LineKind::Comment},
-        {"1 2", LineKind::Data},      {"\t!shell", LineKind::Data},    {"\t#", LineKind::Data},
-        {"\t\t", LineKind::Data},     {"abc", LineKind::Data},
-    };
-    for (const Row &r : rows) EXPECT_EQ(classify(trim_blanks(r.line)), r.kind) << "'" << r.line << "'";
+    for (const auto &[line, kind] : rows) EXPECT_EQ(classify(trim_blanks(line)), kind) << "'" << line << "'";
 }
 
+// The argument follows the tag with the blanks dropped, whatever letters
+// stand between.
 TEST(Format, TagsMatchByCaseBlindPrefix) {
-    struct Row {
+    const struct {
         std::string_view line;
         int32_t tag;
         std::string_view argument;
+    } rows[] = {
+        {"!filetype    xs i,t", 0, "xs i,t"},    {"!filetypes xs i,t", 0, "s xs i,t"}, {"!filedate", 2, ""},
+        {"!FILEVERSION 20080825", 1, "20080825"}, {"!Target  liquid water", 3, "liquid water"},
+        {"!projectile e", 4, "e"},               {"!SHELL 2", 5, "2"},    {"!Shell2", 5, "2"},
+        {"!eproj 100 12", 6, "100 12"},          {"!esecond 5", 7, "ond 5"}, {"!file", kUnknownTag, ""},
+        {"!", kUnknownTag, ""},                  {"!comment", kUnknownTag, ""}, {"!shel", kUnknownTag, ""},
     };
-    const Row rows[] = {
-        {"!filetype    xs i,t", 0, "xs i,t"},
-        {"!filetypes xs i,t", 0, "s xs i,t"},
-        {"!FILEVERSION 20080825", 1, "20080825"},
-        {"!filedate", 2, ""},
-        {"!Target  liquid water", 3, "liquid water"},
-        {"!projectile e", 4, "e"},
-        {"!SHELL 2", 5, "2"},
-        {"!Shell2", 5, "2"},
-        {"!eproj 100 12", 6, "100 12"},
-        {"!esecond 5", 7, "ond 5"},
-        {"!file", kUnknownTag, ""},
-        {"!", kUnknownTag, ""},
-        {"!comment", kUnknownTag, ""},
-        {"!shel", kUnknownTag, ""},
-    };
-    for (const Row &r : rows) {
-        SCOPED_TRACE(r.line);
-        const int32_t tag = match_tag(r.line);
-        EXPECT_EQ(tag, r.tag);
-        if (tag != kUnknownTag) {
-            EXPECT_EQ(tag_argument(r.line, tag), r.argument);
+    for (const auto &r : rows) {
+        EXPECT_EQ(match_tag(r.line), r.tag) << r.line;
+        if (r.tag != kUnknownTag) {
+            EXPECT_EQ(tag_argument(r.line, r.tag), r.argument) << r.line;
         }
     }
 }
