@@ -2,19 +2,17 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace vlktest {
 
-Capture::Capture(std::FILE *stream) : stream_(stream), fd_(fileno(stream)) {
-    std::fflush(stream_);
-    sink_ = std::tmpfile();
+Capture::Capture(std::FILE *stream) : stream_(stream), sink_(std::tmpfile()), fd_(fileno(stream)) {
     if (sink_ == nullptr) throw std::runtime_error("tmpfile");
+    std::fflush(stream_);
     saved_ = dup(fd_);
     dup2(fileno(sink_), fd_);
 }
-
-Capture::~Capture() { finish(); }
 
 std::string Capture::finish() {
     if (done_) return text_;
@@ -24,19 +22,16 @@ std::string Capture::finish() {
     close(saved_);
     std::rewind(sink_);
     char buf[4096];
-    std::size_t n;
-    while ((n = std::fread(buf, 1, sizeof buf, sink_)) > 0) text_.append(buf, n);
+    for (std::size_t n; (n = std::fread(buf, 1, sizeof buf, sink_)) > 0;) text_.append(buf, n);
     std::fclose(sink_);
     return text_;
 }
 
 int count_lines(std::string_view text, std::string_view prefix) {
     int n = 0;
-    std::size_t pos = 0;
-    while (pos < text.size()) {
-        std::size_t end = text.find('\n', pos);
-        if (end == std::string_view::npos) end = text.size();
-        if (text.substr(pos, end - pos).starts_with(prefix)) ++n;
+    for (std::size_t pos = 0; pos < text.size();) {
+        const std::size_t end = std::min(text.find('\n', pos), text.size());
+        n += text.substr(pos, end - pos).starts_with(prefix);
         pos = end + 1;
     }
     return n;

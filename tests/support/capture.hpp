@@ -11,17 +11,15 @@ namespace vlktest {
 class Capture {
 public:
     explicit Capture(std::FILE *stream);  // stderr or stdout
-    ~Capture();
+    ~Capture() { finish(); }
     Capture(const Capture &) = delete;
     Capture &operator=(const Capture &) = delete;
     // Stops capturing (once) and returns everything written meanwhile.
     std::string finish();
 
 private:
-    std::FILE *stream_;
-    int fd_;
-    int saved_;
-    std::FILE *sink_;
+    std::FILE *stream_, *sink_;
+    int fd_, saved_;
     bool done_ = false;
     std::string text_;
 };

@@ -15,10 +15,7 @@ SetBuilder::SetBuilder(int32_t dim, int32_t IA, int32_t proj_type) {
 }
 
 SetBuilder::~SetBuilder() {
-    if (handed_) {
-        VLKXSFree(&set, 0);
-        return;
-    }
+    if (handed_) VLKXSFree(&set, 0);
     for (void *p : blocks_) std::free(p);
 }
 
@@ -32,11 +29,9 @@ void *SetBuilder::block(std::size_t count, std::size_t size) {
 SVLKXSSH &SetBuilder::add_shell(int32_t number, int32_t nE, bool records) {
     const std::size_t n = static_cast<std::size_t>(set.nShell);
     auto *grown = static_cast<SVLKXSSH *>(block(n + 1, sizeof(SVLKXSSH)));
-    if (set.pShell != nullptr) {
-        std::memcpy(grown, set.pShell, n * sizeof(SVLKXSSH));
-        blocks_.erase(set.pShell);
-        std::free(set.pShell);
-    }
+    if (n > 0) std::memcpy(grown, set.pShell, n * sizeof(SVLKXSSH));
+    blocks_.erase(set.pShell);
+    std::free(set.pShell);
     set.pShell = grown;
     set.nShell += 1;
     SVLKXSSH &sh = set.pShell[n];
@@ -48,9 +43,7 @@ SVLKXSSH &SetBuilder::add_shell(int32_t number, int32_t nE, bool records) {
 
 double *SetBuilder::doubles(const Row &v) {
     if (v.empty()) return nullptr;
-    auto *p = static_cast<double *>(block(v.size(), sizeof(double)));
-    std::memcpy(p, v.data(), v.size() * sizeof(double));
-    return p;
+    return static_cast<double *>(std::memcpy(block(v.size(), sizeof(double)), v.data(), v.size() * sizeof(double)));
 }
 
 int32_t *SetBuilder::ints(const std::vector<int32_t> &v) {
@@ -77,7 +70,7 @@ void SetBuilder::ddcs(SVLKXSE &e, const Row &dv1, const std::vector<Row> &grid, 
     e.nv2 = ints(std::vector<int32_t>(n1));
     e.pdv2 = rows(n1);
     e.pdvSig2 = rows(n1);
-    if (!cum.empty()) e.pdvCum2 = rows(n1);
+    e.pdvCum2 = cum.empty() ? nullptr : rows(n1);
     for (std::size_t k = 0; k < n1; ++k) {
         e.nv2[k] = static_cast<int32_t>(grid[k].size());
         e.pdv2[k] = doubles(grid[k]);

@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 TempDir::TempDir() {
     static std::atomic<int> serial{0};
     const char *base = std::getenv("VLKXS_TEST_TMP");
-    fs::path root = base != nullptr ? fs::path(base) : fs::temp_directory_path() / "vlkxs-tests";
+    const fs::path root = base != nullptr ? fs::path(base) : fs::temp_directory_path() / "vlkxs-tests";
     path_ = root / ("t" + std::to_string(getpid()) + "-" + std::to_string(serial++));
     fs::remove_all(path_);
     fs::create_directories(path_);
@@ -26,16 +26,14 @@ TempDir::~TempDir() {
 }
 
 std::string TempDir::write(std::string_view name, std::string_view content) const {
-    fs::path p = path_ / std::string(name);
-    std::ofstream out(p, std::ios::binary);
-    out.write(content.data(), static_cast<std::streamsize>(content.size()));
+    const fs::path p = path_ / name;
+    std::ofstream(p, std::ios::binary).write(content.data(), static_cast<std::streamsize>(content.size()));
     return p.string();
 }
 
 std::string read_file(const fs::path &p) {
-    std::ifstream in(p, std::ios::binary);
     std::ostringstream ss;
-    ss << in.rdbuf();
+    ss << std::ifstream(p, std::ios::binary).rdbuf();
     return ss.str();
 }
 
