@@ -23,7 +23,7 @@ void dd_record(SetBuilder &b, SVLKXSE &e, bool cum) {
 }
 
 // Three shells: a full one, one with a count but no records, one with a
-// half-built record (rows and tables missing).  The set owns its blocks.
+// half-built record (rows and tables missing); owned companions and path.
 SVLKXS &ragged(SetBuilder &b) {
     b.add_shell(1, 2);
     b.add_shell(2, 4, false);
@@ -37,6 +37,7 @@ SVLKXS &ragged(SetBuilder &b) {
     half.pdv2[1] = b.doubles(Row(2));
     SVLKXS &set = *b.hand_over();
     set.infile = strdup("abc.xs");
+    EXPECT_TRUE(VLKProjFromStr(&set.proj, "p", 0).code == 0 && VLKTargImportMaterial(&set.targ, "H2O", 0).code == 0);
     return set;
 }
 
@@ -53,8 +54,6 @@ TEST(Lifecycle, InitTurnsRawStorageIntoAnEmptySet) {
 TEST(Lifecycle, FreeWalksEveryDepthOfARaggedSet) {
     SetBuilder b(2);
     SVLKXS &set = ragged(b);
-    ASSERT_EQ(VLKProjFromStr(&set.proj, "p", 0).code, 0);
-    ASSERT_EQ(VLKTargImportMaterial(&set.targ, "H2O", 0).code, 0);
     set.flag = VLKXS_FLAG_READY | VLKXS_FLAG_ENABLED;
     EXPECT_EQ(VLKXSFree(&set, 0).code, 0);
     EXPECT_TRUE(set.pShell == nullptr && set.nShell == 0 && set.infile == nullptr);
@@ -73,55 +72,36 @@ TEST(Lifecycle, FreeReleasesShellArrayWithoutCount) {
     }
 }
 
+// A shallow set (and its companions) releases nothing; the source keeps
+// everything, and the builder releases it once.
 TEST(Lifecycle, FreeOfShallowSetLeavesTheSourceAlone) {
     SetBuilder b(2);
     SVLKXS &source = ragged(b);
-    ASSERT_EQ(VLKProjFromStr(&source.proj, "e", 0).code, 0);
-    SVLKXS borrowed;
-    std::memcpy(&borrowed, &source, sizeof borrowed);
+    SVLKXS borrowed = source;
     borrowed.flag = VLKXS_FLAG_SHALLOW | VLKXS_FLAG_ENABLED;
-    borrowed.proj.own = 0;  // a shallow companion owns nothing
+    borrowed.proj.own = borrowed.targ.own = 0;
     EXPECT_EQ(VLKXSFree(&borrowed, 0).code, 0);
     EXPECT_TRUE(borrowed.flag == 0 && borrowed.pShell == nullptr);
-    // The source still has everything; the builder releases it once.
     ASSERT_NE(source.pShell, nullptr);
     EXPECT_EQ(source.pShell[0].pE[0].nv2[1], 4);
     EXPECT_STREQ(source.infile, "abc.xs");
-    EXPECT_STREQ(source.proj.symbol, "e");
+    EXPECT_STREQ(source.proj.symbol, "p");
+    EXPECT_STREQ(source.targ.name, "H2O");
 }
 
-// The set record plus what each companion counts beyond its own record.
-uint32_t record_and_companions(SVLKXS &set) {
-    VLKProjSpace(&set.proj, 0);
-    VLKTargSpace(&set.targ, 0);
-    return static_cast<uint32_t>(sizeof(SVLKXS) + set.proj.space - sizeof(SVLKPROJ) + set.targ.space -
-                                 sizeof(SVLKTARG));
-}
-
-TEST(Lifecycle, SpaceOfEmptySetsCountsTheCompanions) {
-    SVLKXS set;
-    VLKXSInit(&set, 0);
-    ASSERT_EQ(VLKXSSpace(&set, 0).code, 0);
-    const uint32_t empty = set.space;
-    EXPECT_EQ(empty, record_and_companions(set));
-    ASSERT_EQ(VLKProjFromStr(&set.proj, "e", 0).code, 0);
-    ASSERT_EQ(VLKTargImportMaterial(&set.targ, "H2O", 0).code, 0);
-    VLKXSSpace(&set, 0);
-    EXPECT_EQ(set.space, record_and_companions(set));
-    EXPECT_GT(set.space, empty);
-    VLKXSFree(&set, 0);
-}
-
-// What each part of the tree adds to the space of an empty set: texts with
-// their 0 byte, shell and energy records, and the arrays present, rows by
-// their counts.
+// The space of a set is its record, what each companion counts beyond its
+// own record, texts with their 0 byte, shell and energy records, and the
+// arrays present, rows by their counts.
 TEST(Lifecycle, SpaceCountsWhatIsThere) {
     static char infile[] = "1234567";
-    const struct {
-        const char *what;
-        std::function<void(SetBuilder &)> build;
-        std::size_t extra;
-    } rows[] = {
+    const struct { const char *what; std::function<void(SetBuilder &)> build; std::size_t extra; } rows[] = {
+        {"empty", [](SetBuilder &) {}, 0},
+        {"owned companions",
+         [](SetBuilder &b) {
+             VLKProjFromStr(&b.set.proj, "alpha", 0);
+             VLKTargImportMaterial(&b.set.targ, "N2", 0);
+         },
+         0},
         {"infile", [](SetBuilder &b) { b.set.infile = infile; }, 8},
         {"shells without records",
          [](SetBuilder &b) {
@@ -136,27 +116,28 @@ TEST(Lifecycle, SpaceCountsWhatIsThere) {
          [](SetBuilder &b) {
              SVLKXSE &e = b.add_shell(1, 1).pE[0];
              dd_record(b, e, false);
+             std::free(e.pdvSig2[1]);
              e.pdvSig2[1] = nullptr;
          },
          sizeof(SVLKXSSH) + sizeof(SVLKXSE) + 14 * sizeof(double) + 2 * sizeof(int32_t)},
     };
     for (const auto &r : rows) {
         SetBuilder b(2);
-        ASSERT_EQ(VLKXSSpace(&b.set, 0).code, 0);
-        const uint32_t empty = b.set.space;
+        b.hand_over();
         r.build(b);
-        VLKXSSpace(&b.set, 0);
-        EXPECT_EQ(b.set.space, empty + r.extra) << r.what;
+        EXPECT_EQ(VLKXSSpace(&b.set, 0).code, 0);
+        VLKProjSpace(&b.set.proj, 0);
+        VLKTargSpace(&b.set.targ, 0);
+        const std::size_t companions = b.set.proj.space - sizeof(SVLKPROJ) + b.set.targ.space - sizeof(SVLKTARG);
+        EXPECT_GT(companions, 0u);
+        EXPECT_EQ(b.set.space, sizeof(SVLKXS) + companions + r.extra) << r.what;
         b.set.infile = nullptr;
     }
 }
 
 TEST(Lifecycle, EnableAndDisableMoveOneBit) {
-    const struct {
-        uint32_t before;
-        bool enable;
-        uint32_t after;
-    } rows[] = {{0, true, 2}, {5, true, 7}, {2, true, 2}, {3, false, 1}, {1, false, 1}, {0xffffffffu, false, 0xfffffffdu}};
+    const struct { uint32_t before; bool enable; uint32_t after; } rows[] = {
+        {0, true, 2}, {5, true, 7}, {2, true, 2}, {3, false, 1}, {1, false, 1}, {0xffffffffu, false, 0xfffffffdu}};
     for (const auto &r : rows) {
         SVLKXS set;
         VLKXSInit(&set, 0);
