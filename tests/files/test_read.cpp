@@ -111,11 +111,7 @@ TEST_F(Read, CarriageReturnsCaseAndSeparators) {
 // repeated shell (pass 1) before a repeated energy earlier in the file
 // (pass 2), a misplaced line (pass 0) before a bad data line (last pass).
 TEST_F(Read, Failures) {
-    const struct {
-        std::string content;
-        int32_t code, line;
-        const char *text;  // null where no line is current
-    } rows[] = {
+    const struct { std::string content; int32_t code, line; const char *text; /* null: no line current */ } rows[] = {
         {"", 48, 0, nullptr},
         {"# a\n\n   \n#b\n", 48, 0, nullptr},
         {kHead0, 48, 0, nullptr},
@@ -154,6 +150,16 @@ TEST_F(Read, Failures) {
         {kHead0 + "!shell 1\n1 2\n\t\t\n", 39, 7, "\t\t"},
         {kHead1 + "!shell 1\n!eproj 1\n1 2\n!eproj 1\n1 2\n!shell 1\n!eproj 2\n1 2\n", 52, 10, "!shell 1"},
         {kHead0 + "!shell 1\n1\n!eproj 3\n", 39, 7, "!eproj 3"},
+        // Misplaced lines of each kind: a date between target and projectile
+        // or after the header, a tab (no blank) before a tag, an energy
+        // without data before the next, data right below an energy in a
+        // double differential file; a tag matched by its beginning.
+        {"!filetype xs i,t\n!fileversion 1\n!target H2O\n!filedate\n!projectile e\n", 39, 5, "!projectile e"},
+        {kHead0 + "!filedate\n", 39, 5, "!filedate"},
+        {kHead0 + "\t!shell 1\n", 39, 5, "\t!shell 1"},
+        {kHead2 + "!shell 1\n!eproj 1\n!esec 1\n!eproj 2\n", 39, 8, "!eproj 2"},
+        {kHead2 + "!shell 1\n!eproj 1\n1 2\n", 39, 7, "1 2"},
+        {"!filetypes xs i,t\n", 42, 1, "!filetypes xs i,t"},
     };
     for (const auto &r : rows) {
         SCOPED_TRACE(r.content);
@@ -201,11 +207,7 @@ TEST_F(Read, MissingFileAndNullArguments) {
 // Unknown tags and sections without data are warned of, with their place,
 // even when quiet; the read succeeds.
 TEST_F(Read, Warnings) {
-    const struct {
-        std::string content;
-        int warnings;
-        const char *where;
-    } rows[] = {
+    const struct { std::string content; int warnings; const char *where; } rows[] = {
         {kHead0 + "!comment 1\n9 9\n!shell 1\n1 2\n", 3, ":5: !comment 1\n"},
         {kHead1 + "!shell 1\n!eproj 1\n1 2\n!nope\n-5 -5\n", 4, ":8: !nope\n"},
         {kHead2 + "!shell 1\n!eproj 1\n!esec 1\n1 2\n!x\n", 5, ":9: !x\n"},
