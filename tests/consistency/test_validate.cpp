@@ -39,12 +39,7 @@ std::unique_ptr<SetBuilder> valid_set(int32_t dim = 2) {
 
 // Quiet: not reported, no message text; the location text has no length.
 TEST(IsValid, EachFaultWithCodeAndLocation) {
-    const struct {
-        const char *name;
-        std::function<void(SetBuilder &)> apply;
-        int32_t code;
-        const char *where;  // null: no location text
-    } faults[] = {
+    const struct { const char *name; std::function<void(SetBuilder &)> apply; int32_t code; const char *where; } faults[] = {
         {"NoProjectile", [](SetBuilder &b) { b.set.proj.name = nullptr; }, 5, nullptr},
         {"NoTarget", [](SetBuilder &b) { b.set.targ.name = nullptr; }, 6, nullptr},
         {"NoShells", [](SetBuilder &b) { b.set.nShell = 0; }, 7, nullptr},
@@ -159,31 +154,22 @@ TEST(IsValid, ReportsUnlessQuietAndTracesItsCompanions) {
 // The bit is recomputed from the grids of the records (an empty row: no
 // dv1, though n1 says 2), other bits of the shell flag stay.
 TEST(IsEquivW, GridsComparedExactly) {
-    const struct {
-        const char *name;
-        std::vector<Row> grids;
-        bool equivalent;
-    } rows[] = {
-        {"ThreeEqualGrids", {{1, 2, 3}, {1, 2, 3}, {1, 2, 3}}, true},
-        {"OneRecord", {{7}}, true},
-        {"DifferentCounts", {{1, 2, 3}, {1, 2, 3}, {1, 2}}, false},
-        {"LastPointDiffers", {{1, 2, 3}, {1, 2, 4}}, false},
-        {"SignedZerosAreEqual", {{0.0, 1}, {-0.0, 1}}, true},
-        {"NaNEqualsNothing", {{kNaN, 1}, {kNaN, 1}}, false},
-        {"FirstWithoutGrid", {{}, {}}, false},
-        {"LaterWithoutGrid", {{1, 2}, {}}, false},
-    };
-    for (const auto &r : rows) {
+    const std::pair<std::vector<Row>, bool> rows[] = {
+        {{{1, 2, 3}, {1, 2, 3}, {1, 2, 3}}, true}, {{{7}}, true},           {{{1, 2, 3}, {1, 2, 3}, {1, 2}}, false},
+        {{{1, 2, 3}, {1, 2, 4}}, false},           {{{0.0, 1}, {-0.0, 1}}, true}, {{{kNaN, 1}, {kNaN, 1}}, false},
+        {{{}, {}}, false},                         {{{1, 2}, {}}, false}};
+    for (std::size_t i = 0; i < std::size(rows); ++i) {
+        const auto &[grids, equivalent] = rows[i];
         SetBuilder b(1);
-        b.add_shell(1, static_cast<int32_t>(r.grids.size()));
-        for (std::size_t j = 0; j < r.grids.size(); ++j) {
+        b.add_shell(1, static_cast<int32_t>(grids.size()));
+        for (std::size_t j = 0; j < grids.size(); ++j) {
             SVLKXSE &e = b.rec(0, static_cast<int32_t>(j));
-            b.sdcs(e, r.grids[j], {});
-            if (r.grids[j].empty()) e.n1 = 2;
+            b.sdcs(e, grids[j], {});
+            if (grids[j].empty()) e.n1 = 2;
         }
         b.set.pShell[0].flag = VLKXS_SHFLAG_EQUIVW | 8u;
-        ASSERT_EQ(VLKXSIsEquivW(&b.set, 1e300, 0).code, 0) << r.name;
-        EXPECT_EQ(b.set.pShell[0].flag, r.equivalent ? (VLKXS_SHFLAG_EQUIVW | 8u) : 8u) << r.name;
+        ASSERT_EQ(VLKXSIsEquivW(&b.set, 1e300, 0).code, 0);
+        EXPECT_EQ(b.set.pShell[0].flag, equivalent ? (VLKXS_SHFLAG_EQUIVW | 8u) : 8u) << "row " << i;
     }
 }
 
