@@ -499,6 +499,9 @@ VLKXS_API int32_t uFileMemOpen(SUFILEMEM *fm, const char *path, int32_t how, int
 VLKXS_API int32_t uFileMemRead(SUFILEMEM *fm, int32_t trace);
 VLKXS_API int32_t uFileMemLineFirst(SUFILEMEM *fm, int32_t trace);
 VLKXS_API int32_t uFileMemLineNext(SUFILEMEM *fm, int32_t trace);
+/* Steps over up to `count` lines as LineNext would, without delivering them
+ * (pLine is null afterwards); returns how many were skipped. */
+VLKXS_API int32_t uFileMemLineSkip(SUFILEMEM *fm, int32_t count, int32_t trace);
 VLKXS_API int32_t uFileMemClose(SUFILEMEM *fm, int32_t trace);
 
 /* Splits `text` in place on blanks and commas into at most `max` words. */

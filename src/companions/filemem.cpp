@@ -38,8 +38,14 @@ int64_t max_lines() noexcept { return g_max_lines.load(std::memory_order_relaxed
 constexpr int64_t max_lines() noexcept { return kMaxLines; }
 #endif
 
-// A length the index can't hold: such a line ends the delivery.
+// An index entry is the length of the line in its low 31 bits and, in its
+// top bit, whether a "\r\n" ended it; the next line starts that many bytes
+// further on, so no pass has to look at the text to find it.  A line of 2^31
+// bytes or more gets the entry kTooLong, which ends the delivery.
+constexpr uint32_t kCrlf = 0x80000000u;
 constexpr uint32_t kTooLong = std::numeric_limits<uint32_t>::max();
+constexpr uint32_t length_of(uint32_t entry) noexcept { return entry & ~kCrlf; }
+constexpr uint64_t advance_of(uint32_t entry) noexcept { return length_of(entry) + 1u + (entry >> 31); }
 
 // Bytes of the stream from its position to its end; false if the stream
 // can't tell (a pipe, a terminal).
@@ -62,30 +68,25 @@ void close_stream(SUFILEMEM *fm) noexcept {
     fm->fp = nullptr;
 }
 
-// Lines of an image of n bytes: one a "\n", and one more for a last line
-// without a line end.
-uint64_t count_lines(const char *image, uint64_t n) noexcept {
-    uint64_t lines = 0;
-    for (const char *p = image, *end = image + n;; ++p, ++lines) {
-        p = static_cast<const char *>(std::memchr(p, '\n', static_cast<std::size_t>(end - p)));
-        if (p == nullptr) break;
-    }
-    return (n > 0 && image[n - 1] != '\n') ? lines + 1 : lines;
-}
-
-// Terminates every line of a freshly read image in place and stores its
-// length in `len`, which has room for every line.
-void prepare_lines(char *image, uint64_t n, uint32_t *len) noexcept {
+// Terminates every line of a freshly read image in place and appends its
+// index entry to `index`; the number of lines, or -1 if there are more than a
+// line counter holds or the index couldn't grow.
+int64_t prepare_lines(char *image, uint64_t n, Buffer<uint32_t> &index) noexcept {
     uint64_t start = 0;
+    int64_t lines = 0;
     while (start < n) {
         const void *hit = std::memchr(image + start, '\n', static_cast<std::size_t>(n - start));
         // A last line without a line end: image[n] is its 0.
         const auto nl = hit != nullptr ? static_cast<uint64_t>(static_cast<const char *>(hit) - image) : n;
-        const uint64_t end = (hit != nullptr && nl > start && image[nl - 1] == '\r') ? nl - 1 : nl;
+        const bool crlf = hit != nullptr && nl > start && image[nl - 1] == '\r';
+        const uint64_t end = crlf ? nl - 1 : nl;
         image[end] = '\0';
-        *len++ = end - start < kTooLong ? static_cast<uint32_t>(end - start) : kTooLong;
+        if (lines == max_lines() || !index.reserve(static_cast<std::size_t>(lines) + 1)) return -1;
+        index[static_cast<std::size_t>(lines++)] =
+            end - start < kCrlf ? static_cast<uint32_t>(end - start) | (crlf ? kCrlf : 0u) : kTooLong;
         start = nl + 1;
     }
+    return lines;
 }
 
 }  // namespace
@@ -148,13 +149,15 @@ int32_t uFileMemRead(SUFILEMEM *fm, int32_t trace) {
         ok = false;
     }
     vlk::close_stream(fm);
-    const std::uint64_t lines = ok ? vlk::count_lines(image, got) : 0;
-    uint32_t *len = nullptr;
     // Line numbers are signed 32-bit counts: a file of more lines is refused
     // before any count can wrap.
-    ok = ok && static_cast<int64_t>(lines) <= vlk::max_lines() &&
-         (len = vlk::zalloc_n<uint32_t>(static_cast<std::size_t>(lines))) != nullptr;
-    if (!ok) {
+    vlk::Buffer<uint32_t> index;
+    int64_t lines = -1;
+    if (ok) {
+        image[got] = '\0';
+        lines = index.reserve(static_cast<std::size_t>(got / 32) + 16) ? vlk::prepare_lines(image, got, index) : -1;
+    }
+    if (lines < 0) {
         std::free(image);
         if (vlk::traced(trace)) std::fprintf(stderr, "<D> uFileMemRead() failed\n");
         return -1;
@@ -162,11 +165,9 @@ int32_t uFileMemRead(SUFILEMEM *fm, int32_t trace) {
 
     std::free(fm->pImage);
     std::free(fm->pLen);
-    if (got < size) image[got] = '\0';
-    vlk::prepare_lines(image, got, len);
     fm->pImage = image;
     fm->nImage = got;
-    fm->pLen = len;
+    fm->pLen = index.release();
     fm->nLines = static_cast<int32_t>(lines);
     fm->iNext = 0;
     fm->nLineNo = 0;
@@ -192,23 +193,48 @@ int32_t uFileMemLineFirst(SUFILEMEM *fm, int32_t trace) {
 int32_t uFileMemLineNext(SUFILEMEM *fm, int32_t trace) {
     if (fm == nullptr) return -1;
     const int32_t i = fm->nLineNo;
-    const uint32_t n = (fm->pImage != nullptr && fm->pLen != nullptr && i < fm->nLines) ? fm->pLen[i] : vlk::kTooLong;
-    if (n == vlk::kTooLong) {
+    const uint32_t entry =
+        (fm->pImage != nullptr && fm->pLen != nullptr && i < fm->nLines) ? fm->pLen[i] : vlk::kTooLong;
+    if (entry == vlk::kTooLong) {
         fm->pLine = nullptr;
         fm->nLine = 0;
         if (vlk::traced(trace)) std::fprintf(stderr, "<D> uFileMemLineNext() end after %d lines\n", fm->nLineNo);
         return 1;
     }
-    const std::uint64_t start = fm->iNext;
-    // Behind the line's 0 byte: the "\n" of a "\r\n" is still there (every
-    // other "\n" became 0), and the next line starts after it.
-    std::uint64_t next = start + n + 1;
-    if (next < fm->nImage && fm->pImage[next] == '\n') ++next;
-    fm->pLine = fm->pImage + start;
-    fm->nLine = n;
-    fm->iNext = next;
+    fm->pLine = fm->pImage + fm->iNext;
+    fm->nLine = vlk::length_of(entry);
+    fm->iNext += vlk::advance_of(entry);
     fm->nLineNo = i + 1;
     return 0;
+}
+
+// Steps over lines as LineNext would, without delivering them; stops early
+// where LineNext would end the pass.
+int32_t uFileMemLineSkip(SUFILEMEM *fm, int32_t count, int32_t trace) {
+    if (fm == nullptr || fm->pImage == nullptr || fm->pLen == nullptr || count <= 0) return 0;
+    const int32_t first = fm->nLineNo;
+    const int32_t last = count < fm->nLines - first ? first + count : fm->nLines;
+    // One sum over the entries, with the rare line too long to deliver
+    // looked for beside it, so that the loop stays branch-free.
+    const uint32_t *const len = fm->pLen;
+    uint64_t bytes = 0;
+    uint32_t too_long = 0;
+    for (int32_t i = first; i < last; ++i) {
+        const uint32_t e = len[i];
+        too_long |= static_cast<uint32_t>(e == vlk::kTooLong);
+        bytes += vlk::advance_of(e);
+    }
+    int32_t stop = last;
+    if (too_long) {
+        bytes = 0;
+        for (stop = first; stop < last && fm->pLen[stop] != vlk::kTooLong; ++stop) bytes += vlk::advance_of(fm->pLen[stop]);
+    }
+    fm->iNext += bytes;
+    fm->nLineNo = stop;
+    fm->pLine = nullptr;
+    fm->nLine = 0;
+    if (vlk::traced(trace)) std::fprintf(stderr, "<D> uFileMemLineSkip() %d lines\n", stop - first);
+    return stop - first;
 }
 
 int32_t uFileMemClose(SUFILEMEM *fm, int32_t trace) {

@@ -131,19 +131,22 @@ int32_t cn2d(const char *p, int32_t len, double *value) {
 }
 
 // Each number is converted once, straight from the line: it is taken when
-// the character behind it is a separator or the end of the text.
+// the character behind it is a separator or the end of the text.  This runs
+// once for every data line of a file, so it walks the text by pointer.
 int32_t cn2vd(const char *p, int32_t len, double *values, int32_t stride, int32_t max) {
     std::string_view s;
     if (values == nullptr || stride < 1 || max < 1 || !vlk::counted_text(p, len, s)) return -1;
+    const char *at = s.data();
+    const char *const end = at + s.size();
     int32_t n = 0;
-    std::size_t i = 0;
     while (n < max) {
-        while (i < s.size() && vlk::is_separator(s[i])) ++i;
-        if (i == s.size()) break;
-        const vlk::Parsed r = vlk::read_real(s.substr(i));
-        i += r.used;
-        if (r.code != vlk::kReadOk || (i < s.size() && !vlk::is_separator(s[i]))) break;
-        vlk::element(values, stride, n++) = r.value;
+        while (at != end && vlk::is_separator(*at)) ++at;
+        if (at == end) break;
+        double v = 0.0;
+        const vlk::Scanned r = vlk::scan_real(at, end, v);
+        if (r.ec != std::errc{} || (r.ptr != end && !vlk::is_separator(*r.ptr))) break;
+        at = r.ptr;
+        vlk::element(values, stride, n++) = v;
     }
     return n;
 }

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 
 namespace vlk {
 
@@ -33,6 +34,44 @@ bool make(T *&field, int32_t n) noexcept {
     field = zalloc_n<T>(n > 0 ? static_cast<std::size_t>(n) : 0);
     return field != nullptr;
 }
+
+// A call-local array through the same path, released on every way out of
+// the call.  It grows by doubling and keeps its contents; the part beyond
+// what was ever used is zero-filled.
+template <class T>
+class Buffer {
+public:
+    Buffer() = default;
+    Buffer(const Buffer &) = delete;
+    Buffer &operator=(const Buffer &) = delete;
+    ~Buffer() { std::free(p_); }
+    // Room for at least n elements; false (and nothing changed) if the block
+    // couldn't grow.
+    bool reserve(std::size_t n) noexcept {
+        if (n <= cap_) return true;
+        std::size_t want = cap_ < 8 ? 8 : cap_;
+        while (want < n) want *= 2;
+        void *grown = zrealloc(p_, cap_ * sizeof(T), want * sizeof(T));
+        if (grown == nullptr) return false;
+        p_ = static_cast<T *>(grown);
+        cap_ = want;
+        return true;
+    }
+    T *data() noexcept { return p_; }
+    // Hands the block over to the caller, who releases it with free().
+    T *release() noexcept {
+        T *p = p_;
+        p_ = nullptr;
+        cap_ = 0;
+        return p;
+    }
+    T &operator[](std::size_t i) noexcept { return p_[i]; }
+    std::size_t capacity() const noexcept { return cap_; }
+
+private:
+    T *p_ = nullptr;
+    std::size_t cap_ = 0;
+};
 
 #if defined(VLKXS_FAULT_INJECTION)
 namespace testhook {

@@ -14,24 +14,6 @@ constexpr char upper(char c) noexcept { return (c >= 'a' && c <= 'z') ? static_c
 
 }  // namespace
 
-Parsed read_real(std::string_view text) noexcept {
-    constexpr Parsed none{0.0, 0, kReadNoNumber};
-    std::size_t skip = 0;
-    // from_chars takes a '-' but no '+'; a '+' is taken here and must be
-    // followed by the digits or the name of the number, not by another sign.
-    if (!text.empty() && text.front() == '+') {
-        skip = 1;
-        if (text.size() == 1 || text[1] == '+' || text[1] == '-') return none;
-    }
-    const char *first = text.data() + skip;
-    const char *last = text.data() + text.size();
-    double v = 0.0;
-    const auto [ptr, ec] = std::from_chars(first, last, v, std::chars_format::general);
-    if (ec == std::errc::result_out_of_range) return Parsed{0.0, 0, kReadOutOfRange};
-    if (ec != std::errc{}) return none;
-    return Parsed{v, static_cast<std::size_t>(ptr - text.data()), kReadOk};
-}
-
 std::size_t write_g(std::span<char> out, double v) noexcept {
     // The general format with precision 6 is printf's %g by definition of
     // to_chars; %G differs only in the case of its letters.

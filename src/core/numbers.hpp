@@ -3,9 +3,11 @@
 // here is locale-independent: it goes through std::from_chars/std::to_chars.
 #pragma once
 
+#include <charconv>
 #include <cstddef>
 #include <span>
 #include <string_view>
+#include <system_error>
 
 namespace vlk {
 
@@ -30,7 +32,33 @@ inline constexpr int kReadOutOfRange = -2;  // a number whose magnitude a double
 // "infinity").  Hexadecimal is not accepted: "0x10" reads as 0 with one
 // character used.  A number that overflows to infinity or underflows to zero
 // ("1e999", "1e-400") is kReadOutOfRange; subnormals are read exactly.
-Parsed read_real(std::string_view text) noexcept;
+// The same at the level of from_chars, for the loops that convert every
+// number of a file: on success `value` holds the number and `ptr` points
+// behind it; otherwise `value` is untouched, `ptr` is `first`, and `ec` says
+// why (std::errc::result_out_of_range for a number a double can't hold).
+struct Scanned {
+    const char *ptr;
+    std::errc ec;
+};
+inline Scanned scan_real(const char *first, const char *last, double &value) noexcept {
+    const char *p = first;
+    // from_chars takes a '-' but no '+'; a '+' is taken here and must be
+    // followed by the digits or the name of the number, not by another sign.
+    if (p != last && *p == '+') {
+        ++p;
+        if (p == last || *p == '+' || *p == '-') return {first, std::errc::invalid_argument};
+    }
+    const auto [ptr, ec] = std::from_chars(p, last, value, std::chars_format::general);
+    return ec == std::errc{} ? Scanned{ptr, ec} : Scanned{first, ec};
+}
+
+inline Parsed read_real(std::string_view text) noexcept {
+    double v = 0.0;
+    const Scanned r = scan_real(text.data(), text.data() + text.size(), v);
+    if (r.ec == std::errc::result_out_of_range) return Parsed{0.0, 0, kReadOutOfRange};
+    if (r.ec != std::errc{}) return Parsed{0.0, 0, kReadNoNumber};
+    return Parsed{v, static_cast<std::size_t>(r.ptr - text.data()), kReadOk};
+}
 
 // Room enough for any result of write_g including its terminating 0
 // ("-1.79769E+308" is 13 characters).

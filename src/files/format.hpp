@@ -11,16 +11,17 @@
 namespace vlk::xs {
 
 struct Tag {
-    const char *text;
+    std::string_view text;
     int32_t number;
 };
 
 // Tags in the order of the lookup; the first row that the line begins with
-// wins (case ignored).  No tag is the beginning of another.
+// wins (case ignored).  No tag is the beginning of another.  The end row has
+// an empty text.
 inline constexpr Tag svTag[] = {
     {"!filetype", 0}, {"!fileversion", 1}, {"!filedate", 2}, {"!target", 3},
     {"!projectile", 4}, {"!shell", 5},     {"!eproj", 6},    {"!esec", 7},
-    {nullptr, 8},
+    {{}, 8},
 };
 
 // Line kinds beyond the tag numbers.
@@ -78,6 +79,13 @@ inline constexpr int8_t bvStateTable[3][kKinds][kStates] = {
 };
 
 static_assert(sizeof(svTag) / sizeof(Tag) == 9, "eight tags and the end row");
+// A data line behind a data line leaves the state as it is: the reader relies
+// on it to take runs of data lines in one step.
+static_assert([] {
+    for (const auto &d : bvStateTable)
+        if (d[9][10] != 10 || d[9][11] != 11) return false;
+    return true;
+}());
 static_assert(sizeof(bvStateTable) == 3 * 10 * 12, "3 dimensions x 10 line kinds x 12 states");
 
 // What the first character of a trimmed line makes of it.
@@ -96,11 +104,14 @@ constexpr LineKind classify(std::string_view trimmed) noexcept {
 }
 
 // The row of svTag that the line begins with, case ignored, or kUnknownTag.
+// The second character rules out most rows before any comparison.
 inline int32_t match_tag(std::string_view trimmed) noexcept {
+    if (trimmed.size() < 2) return kUnknownTag;
+    const unsigned char second = vlk::ascii_lower(trimmed[1]);
     for (const Tag &t : svTag) {
-        if (t.text == nullptr) break;
-        const std::string_view tag(t.text);
-        if (trimmed.size() >= tag.size() && strnicmp(trimmed.data(), t.text, tag.size()) == 0) return t.number;
+        if (t.text.empty()) break;
+        if (static_cast<unsigned char>(t.text[1]) != second || trimmed.size() < t.text.size()) continue;
+        if (strnicmp(trimmed.data(), t.text.data(), t.text.size()) == 0) return t.number;
     }
     return kUnknownTag;
 }
@@ -108,7 +119,7 @@ inline int32_t match_tag(std::string_view trimmed) noexcept {
 // The argument of a tag line: what follows the tag, blanks dropped at both
 // ends; empty if nothing remains.
 inline std::string_view tag_argument(std::string_view trimmed, int32_t tag) noexcept {
-    trimmed.remove_prefix(std::string_view(svTag[tag].text).size());
+    trimmed.remove_prefix(svTag[tag].text.size());
     return trim_blanks(trimmed);
 }
 

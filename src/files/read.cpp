@@ -28,30 +28,30 @@ namespace {
 using namespace vlk::xs;
 
 // A terminated copy of a tag's argument, for the routines that take texts
-// (word splitting, the companions).  One block through the allocation path,
-// grown as needed and reused for every tag line of the read.
+// (word splitting, the companions): one block, reused for every tag line.
 class ArgCopy {
 public:
-    ArgCopy() = default;
-    ArgCopy(const ArgCopy &) = delete;
-    ArgCopy &operator=(const ArgCopy &) = delete;
-    ~ArgCopy() { std::free(p_); }
     // Null if the block couldn't grow.
     char *take(std::string_view arg) noexcept {
-        if (arg.size() + 1 > cap_) {
-            void *grown = vlk::zrealloc(p_, cap_, arg.size() + 1);
-            if (grown == nullptr) return nullptr;
-            p_ = static_cast<char *>(grown);
-            cap_ = arg.size() + 1;
-        }
-        std::memcpy(p_, arg.data(), arg.size());
-        p_[arg.size()] = '\0';
-        return p_;
+        if (!buf_.reserve(arg.size() + 1)) return nullptr;
+        char *p = buf_.data();
+        std::memcpy(p, arg.data(), arg.size());
+        p[arg.size()] = '\0';
+        return p;
     }
 
 private:
-    char *p_ = nullptr;
-    std::size_t cap_ = 0;
+    vlk::Buffer<char> buf_;
+};
+
+// A run of data lines with no tag line among them, noted in the first pass.
+// The passes that only count data lines take a run in one step: after its
+// first line the state stays what it is, so only the count of its data lines
+// and the lines it spans matter.
+struct Run {
+    int32_t first;  // line number of its first data line
+    int32_t data;   // data lines in it
+    int32_t span;   // lines from the first data line to the last, both included
 };
 
 // Finds the first repeat of a value within one section of the file (the
@@ -173,30 +173,143 @@ private:
         cnt_shell_ = cur_shell_ = cnt_e_ = cur_e_ = cnt1_ = cur1_ = cnt2_ = 0;
     }
 
+    // The running record at the line just delivered.
+    void locate() {
+        st_.line = iline_;
+        st_.text = fm_.pLine;
+        st_.textlen = static_cast<int32_t>(fm_.nLine);
+    }
+    std::string_view current() const { return trim_blanks(std::string_view(fm_.pLine, fm_.nLine)); }
+
     bool walk() {
         st_.file = path_;
         uFileMemLineFirst(&fm_, trace_);
-        int32_t iline = 0;
+        iline_ = 0;
         state_ = 0;
         cnt_shell_ = cur_shell_ = cnt_e_ = cur_e_ = 0;
-        while (uFileMemLineNext(&fm_, trace_) == 0) {
-            ++iline;
-            st_.line = iline;
-            st_.text = fm_.pLine;
-            st_.textlen = static_cast<int32_t>(fm_.nLine);
-            const std::string_view line = trim_blanks(std::string_view(fm_.pLine, fm_.nLine));
-            bool ok = true;
+        next_run_ = 0;
+        bool more = uFileMemLineNext(&fm_, trace_) == 0;
+        while (more) {
+            ++iline_;
+            locate();
+            const std::string_view line = current();
+            bool pending = false;  // a run ended at a line delivered but not yet handled
             switch (classify(line)) {
                 case LineKind::Empty:
                 case LineKind::Comment: break;
-                case LineKind::Tag: ok = tag_line(line); break;
-                case LineKind::Data: ok = data_line(line); break;
+                case LineKind::Tag:
+                    if (!tag_line(line)) return false;
+                    break;
+                case LineKind::Data: {
+                    const bool shown = itag_ != kUnknownTag;
+                    if (!data_line(line)) return false;
+                    if (shown && !vlk::traced(mode_) && !rest_of_run(pending)) return false;
+                    break;
+                }
             }
-            if (!ok) return false;
+            more = pending || uFileMemLineNext(&fm_, trace_) == 0;
         }
         st_.line = 0;
         st_.text = nullptr;
         st_.textlen = 0;
+        return true;
+    }
+
+    // The data lines behind the first of a run, which data_line() has taken,
+    // in one go: each of them leaves the state as it is, so only counting
+    // and storing remain.  Without trace lines to write for each line, the
+    // first pass notes the run, the counting passes step over it, and the
+    // last pass stores its rows.
+    bool rest_of_run(bool &pending) {
+        if (pass_ == 0) return note_run(pending);
+        if (next_run_ >= nruns_ || runs_[next_run_].first != iline_) return true;
+        const Run &r = runs_[next_run_++];
+        if (last_pass()) return state_ == 11 || store_run(r);
+        if (r.data > 1 && state_ != 11 && pass_ >= dim_ + 1) count_rows(r.data - 1);
+        iline_ += uFileMemLineSkip(&fm_, r.span - 1, trace_);
+        return true;
+    }
+
+    // Reads on up to the next tag line, which is left pending, or the end.
+    bool note_run(bool &pending) {
+        if (!runs_.reserve(static_cast<std::size_t>(nruns_) + 1)) return fail(VLKXS_C_RUNTIME);
+        Run &r = runs_[static_cast<std::size_t>(nruns_++)];
+        r = Run{iline_, 1, 1};
+        int32_t i = iline_;
+        while (uFileMemLineNext(&fm_, trace_) == 0) {
+            const LineKind kind = classify(current());
+            if (kind == LineKind::Tag) {
+                pending = true;
+                break;
+            }
+            ++i;
+            if (kind == LineKind::Data) {
+                ++r.data;
+                r.span = i - r.first + 1;
+            }
+        }
+        iline_ = i;
+        return true;
+    }
+
+    // The last pass: the rows behind the first of a run, stored straight into
+    // the table they belong to, and counted at the end.
+    bool store_run(const Run &r) {
+        int32_t rows = 0;
+        bool ok = true;
+        switch (dim_) {
+            case 0: {
+                SVLKXSSH &sh = shell();
+                SVLKXSE *e = sh.pE + cnt_e_;
+                const bool km = sh.shell == 0;
+                ok = store_lines(r.span, [&](const double *v) {
+                    e->E = v[0];
+                    e->sigtot = v[1];
+                    if (km) e->km = v[2];
+                    ++e;
+                    ++rows;
+                });
+                break;
+            }
+            case 1: {
+                SVLKXSE &e = energy();
+                double *x = e.dv1 + cnt1_, *y = e.dvSig1 + cnt1_;
+                ok = store_lines(r.span, [&](const double *v) {
+                    *x++ = v[0];
+                    *y++ = v[1];
+                    ++rows;
+                });
+                break;
+            }
+            default: {
+                SVLKXSE &e = energy();
+                double *x = e.pdv2[cur1_] + cnt2_, *y = e.pdvSig2[cur1_] + cnt2_;
+                ok = store_lines(r.span, [&](const double *v) {
+                    *x++ = v[0];
+                    *y++ = v[1];
+                    ++rows;
+                });
+                break;
+            }
+        }
+        if (rows > 0) count_rows(rows);
+        return ok;
+    }
+
+    template <class Put>
+    bool store_lines(int32_t span, Put &&put) {
+        for (int32_t n = 1; n < span; ++n) {
+            if (uFileMemLineNext(&fm_, trace_) != 0) break;
+            ++iline_;
+            const std::string_view line = current();
+            if (classify(line) != LineKind::Data) continue;
+            double v[3] = {0, 0, 0};
+            if (!numbers(line, v)) {
+                locate();
+                return false;
+            }
+            put(v);
+        }
         return true;
     }
 
@@ -323,54 +436,74 @@ private:
             itag_ = kDataLine;
             return true;
         }
-        double v[3] = {0, 0, 0};
-        if (last_pass()) {
-            const int32_t n = cn2vd(line.data(), static_cast<int32_t>(line.size()), v, 1, 3);
-            if (n < 1) return fail(VLKXS_C_R_SYNTAX);
-            if (n == 1) return fail(VLKXS_C_R_TOOFEW);
-            for (int32_t i = 1; i < n && i < 3; ++i)
-                if (v[i] < 0) return fail(VLKXS_C_R_DATA);
-        }
-        if (pass_ >= dim_ + 1) count_row(v);
+        if (last_pass()) return row(line);
+        if (pass_ >= dim_ + 1) count_rows(1);
         itag_ = kDataLine;
         return true;
     }
 
-    // One row of a table: counted in the two last passes, stored in the last.
-    void count_row(const double (&v)[3]) {
+    // A data line of the last pass: its numbers tested and its row stored.
+    bool row(std::string_view line) {
+        double v[3] = {0, 0, 0};
+        if (!numbers(line, v)) return false;
+        store_row(v);
+        count_rows(1);
+        itag_ = kDataLine;
+        return true;
+    }
+
+    // The numbers of a data line: two or three, none below 0 behind the first.
+    bool numbers(std::string_view line, double (&v)[3]) {
+        const int32_t n = cn2vd(line.data(), static_cast<int32_t>(line.size()), v, 1, 3);
+        if (n < 1) return fail(VLKXS_C_R_SYNTAX);
+        if (n == 1) return fail(VLKXS_C_R_TOOFEW);
+        if (v[1] < 0 || (n > 2 && v[2] < 0)) return fail(VLKXS_C_R_DATA);
+        return true;
+    }
+
+    // The row of a data line at the current place of its table.
+    void store_row(const double (&v)[3]) {
         switch (dim_) {
             case 0: {
                 SVLKXSSH &sh = shell();
-                if (last_pass()) {
-                    SVLKXSE &e = sh.pE[cnt_e_];
-                    e.E = v[0];
-                    e.sigtot = v[1];
-                    if (sh.shell == 0) e.km = v[2];
-                }
-                sh.nE = cnt_e_ + 1;
-                cur_e_ = cnt_e_++;
+                SVLKXSE &e = sh.pE[cnt_e_];
+                e.E = v[0];
+                e.sigtot = v[1];
+                if (sh.shell == 0) e.km = v[2];
                 break;
             }
             case 1: {
                 SVLKXSE &e = energy();
-                if (last_pass()) {
-                    e.dv1[cnt1_] = v[0];
-                    e.dvSig1[cnt1_] = v[1];
-                }
-                e.n1 = cnt1_ + 1;
-                cur1_ = cnt1_++;
+                e.dv1[cnt1_] = v[0];
+                e.dvSig1[cnt1_] = v[1];
                 break;
             }
             default: {
                 SVLKXSE &e = energy();
-                if (last_pass()) {
-                    e.pdv2[cur1_][cnt2_] = v[0];
-                    e.pdvSig2[cur1_][cnt2_] = v[1];
-                }
-                e.nv2[cur1_] = cnt2_ + 1;
-                ++cnt2_;
+                e.pdv2[cur1_][cnt2_] = v[0];
+                e.pdvSig2[cur1_][cnt2_] = v[1];
                 break;
             }
+        }
+    }
+
+    // Counts k rows of the current table (the two last passes).
+    void count_rows(int32_t k) {
+        switch (dim_) {
+            case 0:
+                cnt_e_ += k;
+                shell().nE = cnt_e_;
+                cur_e_ = cnt_e_ - 1;
+                break;
+            case 1:
+                cnt1_ += k;
+                energy().n1 = cnt1_;
+                cur1_ = cnt1_ - 1;
+                break;
+            default:
+                cnt2_ += k;
+                energy().nv2[cur1_] = cnt2_;
+                break;
         }
     }
 
@@ -439,6 +572,10 @@ private:
     SUFILEMEM &fm_;
     ArgCopy arg_;
     Repeats repeats_;
+    vlk::Buffer<Run> runs_;
+    int32_t nruns_ = 0;
+    int32_t next_run_ = 0;
+    int32_t iline_ = 0;
     int32_t pass_ = 0;
     int32_t npass_ = 1;  // the first "!filetype" line decides on the others
     int32_t dim_ = 0;
