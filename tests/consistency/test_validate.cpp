@@ -151,55 +151,39 @@ TEST(IsValid, ReportsUnlessQuietAndTracesItsCompanions) {
     EXPECT_STREQ(s.item, "Shell[0].E[1].SigTot=-1E-20");
 }
 
-// The bit is recomputed from the grids of the records (an empty row: no
-// dv1, though n1 says 2), other bits of the shell flag stay.
+// Each shell gets its own bit, recomputed from the grids of its records by
+// exact comparison (an empty row: no dv1, though n1 says 2); a shell without
+// records gets no; other bits of the flag stay; `limit` has no effect.  A
+// null set and a set without shells fail, reported unless quiet.
 TEST(IsEquivW, GridsComparedExactly) {
     const std::pair<std::vector<Row>, bool> rows[] = {
         {{{1, 2, 3}, {1, 2, 3}, {1, 2, 3}}, true}, {{{7}}, true},           {{{1, 2, 3}, {1, 2, 3}, {1, 2}}, false},
         {{{1, 2, 3}, {1, 2, 4}}, false},           {{{0.0, 1}, {-0.0, 1}}, true}, {{{kNaN, 1}, {kNaN, 1}}, false},
         {{{}, {}}, false},                         {{{1, 2}, {}}, false}};
-    for (std::size_t i = 0; i < std::size(rows); ++i) {
-        const auto &[grids, equivalent] = rows[i];
-        SetBuilder b(1);
-        b.add_shell(1, static_cast<int32_t>(grids.size()));
+    SetBuilder b(1);
+    for (const auto &[grids, equivalent] : rows) {
+        SVLKXSSH &sh = b.add_shell(1, static_cast<int32_t>(grids.size()));
+        sh.flag = VLKXS_SHFLAG_EQUIVW | 8u;
         for (std::size_t j = 0; j < grids.size(); ++j) {
-            SVLKXSE &e = b.rec(0, static_cast<int32_t>(j));
-            b.sdcs(e, grids[j], {});
-            if (grids[j].empty()) e.n1 = 2;
+            b.sdcs(sh.pE[j], grids[j], {});
+            if (grids[j].empty()) sh.pE[j].n1 = 2;
         }
-        b.set.pShell[0].flag = VLKXS_SHFLAG_EQUIVW | 8u;
-        ASSERT_EQ(VLKXSIsEquivW(&b.set, 1e300, 0).code, 0);
-        EXPECT_EQ(b.set.pShell[0].flag, equivalent ? (VLKXS_SHFLAG_EQUIVW | 8u) : 8u) << "row " << i;
     }
-}
-
-// Each shell gets its own answer; a shell without records, or of records
-// without grids, gets no; `limit` has no effect; a changed grid clears the
-// bit on the next run.
-TEST(IsEquivW, ShellsAnsweredOneByOne) {
-    SetBuilder b(1);
-    for (const auto &[number, nE] : {std::pair{1, 2}, {2, 2}, {3, 1}, {4, 2}}) b.add_shell(number, nE);
-    for (int32_t j = 0; j < 2; ++j) {
-        b.sdcs(b.rec(0, j), {1, 2}, {1, 1});
-        b.sdcs(b.rec(1, j), {1, 2.0 + j}, {1, 1});
+    b.add_shell(9, 2, false).flag = VLKXS_SHFLAG_EQUIVW;
+    for (const double limit : {0.0, 1e300}) {
+        ASSERT_EQ(VLKXSIsEquivW(&b.set, limit, 0).code, 0);
+        for (std::size_t i = 0; i < std::size(rows); ++i)
+            EXPECT_EQ(b.set.pShell[i].flag, rows[i].second ? (VLKXS_SHFLAG_EQUIVW | 8u) : 8u) << "row " << i;
+        EXPECT_EQ(b.set.pShell[std::size(rows)].flag, 0u);
     }
-    b.set.pShell[3].pE = nullptr;
+    b.rec(0, 2).dv1[1] = 3;
     ASSERT_EQ(VLKXSIsEquivW(&b.set, 0.0, 0).code, 0);
-    for (int32_t i = 0; i < 4; ++i) EXPECT_EQ(b.set.pShell[i].flag, i == 0 ? VLKXS_SHFLAG_EQUIVW : 0u) << i;
-    b.rec(0, 1).dv1[1] = 3;
-    ASSERT_EQ(VLKXSIsEquivW(&b.set, 1e300, 0).code, 0);
-    EXPECT_EQ(b.set.pShell[0].flag, 0u);
-}
-
-// A null set and a set without shells, reported unless quiet.
-TEST(IsEquivW, Failures) {
+    EXPECT_EQ(b.set.pShell[0].flag, 8u) << "a changed grid clears the bit";
     vlktest::Capture cap(stderr);
-    EXPECT_EQ(VLKXSIsEquivW(nullptr, 0.0, 0).code, 2);
-    SetBuilder b(1);
-    const SCMDSTATUS s = VLKXSIsEquivW(&b.set, 0.0, 0);
-    EXPECT_TRUE(s.code == 7 && s.level == VLKXS_LEVEL_ERROR);
-    EXPECT_EQ(VLKXSIsEquivW(&b.set, 0.0, VLKXS_MODE_QUIET).code, 7);
-    EXPECT_EQ(VLKXSIsEquivW(nullptr, 0.0, VLKXS_MODE_QUIET).code, 2);
+    SetBuilder none(1);
+    const SCMDSTATUS s = VLKXSIsEquivW(&none.set, 0.0, 0);
+    EXPECT_TRUE(s.code == 7 && s.level == VLKXS_LEVEL_ERROR && VLKXSIsEquivW(&none.set, 0.0, kQuiet).code == 7);
+    EXPECT_TRUE(VLKXSIsEquivW(nullptr, 0.0, 0).code == 2 && VLKXSIsEquivW(nullptr, 0.0, kQuiet).code == 2);
     const std::string err = cap.finish();
     EXPECT_EQ(vlktest::count_lines(err, "<E> vlkxs(IsEquivW): bad address (code 2)"), 1) << err;
     EXPECT_EQ(vlktest::count_lines(err, "<E> vlkxs(IsEquivW): bad number of shells (code 7)"), 1) << err;
