@@ -70,26 +70,22 @@ TEST_F(Read, TotalCrossSections) {
     EXPECT_EQ(e[0].at.line, 0);
 }
 
-// The third column of a single differential table is never stored; km is
-// read in shell 0 alone.
-TEST_F(Read, SingleDifferential) {
+// Single differential: the third column is never stored, km is read in shell
+// 0 alone.  Double differential: dvSig1 is left to the completion.
+TEST_F(Read, DifferentialFiles) {
     ASSERT_EQ(read_path(data_file("e.H2O.is.xs")).code, 0) << err;
     ASSERT_TRUE(set.dim == 1 && set.nShell == 2 && set.pShell[0].nE == 2);
     const SVLKXSE *e = set.pShell[0].pE, &sum = set.pShell[1].pE[0];
     EXPECT_TRUE(e[0].E == 0.1 && e[0].n1 == 3 && e[1].n1 == 4 && e[0].dv1[2] == 0.0437 && e[1].dvSig1[1] == 2E-17);
     EXPECT_TRUE(e[0].dvCum1 == nullptr && e[0].nv2 == nullptr && e[1].at.line == 14);
     EXPECT_TRUE(set.pShell[1].shell == 0 && sum.E == 100.0 && sum.km == 12.5);
-}
-
-// dvSig1 of a double differential record is left to the completion.
-TEST_F(Read, DoubleDifferential) {
     ASSERT_EQ(read_path(data_file("p.H2O.id.xs")).code, 0) << err;
     ASSERT_TRUE(set.dim == 2 && set.proj.type == VLKPROJ_ION && set.nShell == 2);
     const SVLKXSSH &sh = set.pShell[0];
     ASSERT_TRUE(sh.shell == 2 && sh.nE == 2 && sh.pE[0].n1 == 2);
-    const SVLKXSE &e = sh.pE[0];
-    EXPECT_TRUE(e.dv1[0] == 0.01 && e.dv1[1] == 1.0 && e.dvSig1[0] == 0.0 && e.nv2[0] == 3 && e.nv2[1] == 2);
-    EXPECT_TRUE(e.pdv2[0][0] == -1.0 && e.pdvSig2[0][1] == 3E-16 && e.pdvSig2[1][1] == 4E-17 && e.pdvCum2 == nullptr);
+    const SVLKXSE &d = sh.pE[0];
+    EXPECT_TRUE(d.dv1[0] == 0.01 && d.dv1[1] == 1.0 && d.dvSig1[0] == 0.0 && d.nv2[0] == 3 && d.nv2[1] == 2);
+    EXPECT_TRUE(d.pdv2[0][0] == -1.0 && d.pdvSig2[0][1] == 3E-16 && d.pdvSig2[1][1] == 4E-17 && d.pdvCum2 == nullptr);
     EXPECT_TRUE(sh.pE[1].pdv2[0][1] == 0.5 && set.pShell[1].pE[0].nv2[0] == 2);
 }
 
