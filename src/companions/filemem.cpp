@@ -193,8 +193,8 @@ int32_t uFileMemLineFirst(SUFILEMEM *fm, int32_t trace) {
 int32_t uFileMemLineNext(SUFILEMEM *fm, int32_t trace) {
     if (fm == nullptr) return -1;
     const int32_t i = fm->nLineNo;
-    const uint32_t entry =
-        (fm->pImage != nullptr && fm->pLen != nullptr && i < fm->nLines) ? fm->pLen[i] : vlk::kTooLong;
+    // nLines is 0 whenever there is no image.
+    const uint32_t entry = i < fm->nLines ? fm->pLen[i] : vlk::kTooLong;
     if (entry == vlk::kTooLong) {
         fm->pLine = nullptr;
         fm->nLine = 0;

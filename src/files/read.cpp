@@ -180,6 +180,13 @@ private:
         st_.textlen = static_cast<int32_t>(fm_.nLine);
     }
     std::string_view current() const { return trim_blanks(std::string_view(fm_.pLine, fm_.nLine)); }
+    // The current line without its leading blanks: enough to classify it,
+    // and to read its numbers, which end at blanks anyway.
+    std::string_view current_front() const {
+        std::string_view s(fm_.pLine, fm_.nLine);
+        while (!s.empty() && s.front() == ' ') s.remove_prefix(1);
+        return s;
+    }
 
     bool walk() {
         st_.file = path_;
@@ -237,7 +244,7 @@ private:
         r = Run{iline_, 1, 1};
         int32_t i = iline_;
         while (uFileMemLineNext(&fm_, trace_) == 0) {
-            const LineKind kind = classify(current());
+            const LineKind kind = classify(current_front());
             if (kind == LineKind::Tag) {
                 pending = true;
                 break;
@@ -301,7 +308,7 @@ private:
         for (int32_t n = 1; n < span; ++n) {
             if (uFileMemLineNext(&fm_, trace_) != 0) break;
             ++iline_;
-            const std::string_view line = current();
+            const std::string_view line = current_front();
             if (classify(line) != LineKind::Data) continue;
             double v[3] = {0, 0, 0};
             if (!numbers(line, v)) {
@@ -358,7 +365,13 @@ private:
         return true;
     }
 
+    // The argument of a tag is tested in the first pass.  A later pass reads
+    // the same unchanged text, so it converts the number only where it uses
+    // it; the outcome of the tests is the same in every pass.
+    bool tested() const { return pass_ != 0; }
+
     bool fileversion(std::string_view arg) {
+        if (tested()) return true;
         if (*arg.data() == '\0') return fail(VLKXS_C_R_VERSION);
         int32_t version = 0;
         if (cn2l(arg.data(), static_cast<int32_t>(arg.size()), &version) < 0) return fail(VLKXS_C_R_NUMBER);
@@ -379,8 +392,10 @@ private:
 
     bool shell_tag(std::string_view arg) {
         int32_t number = 0;
-        if (cn2l(arg.data(), static_cast<int32_t>(arg.size()), &number) < 0) return fail(VLKXS_C_R_NUMBER);
-        if (number < 0) return fail(VLKXS_C_R_SHELL);
+        if (!tested() || pass_ == 1) {
+            if (cn2l(arg.data(), static_cast<int32_t>(arg.size()), &number) < 0) return fail(VLKXS_C_R_NUMBER);
+            if (number < 0) return fail(VLKXS_C_R_SHELL);
+        }
         if (pass_ == 1) {
             if (repeats_.seen(number)) return fail(VLKXS_C_R_DUPSHELL);
             set_.pShell[cnt_shell_].shell = number;
@@ -394,8 +409,10 @@ private:
 
     bool eproj(std::string_view arg) {
         double v[3] = {0, 0, 0};
-        if (cn2vd(arg.data(), static_cast<int32_t>(arg.size()), v, 1, 3) < 1) return fail(VLKXS_C_R_SYNTAX);
-        if (v[0] < 0) return fail(VLKXS_C_R_EPROJ);
+        if (!tested() || pass_ == 2) {
+            if (cn2vd(arg.data(), static_cast<int32_t>(arg.size()), v, 1, 3) < 1) return fail(VLKXS_C_R_SYNTAX);
+            if (v[0] < 0) return fail(VLKXS_C_R_EPROJ);
+        }
         if (pass_ == 1) shell().nE = cnt_e_ + 1;
         if (pass_ == 2) {
             SVLKXSSH &sh = shell();
@@ -413,8 +430,10 @@ private:
 
     bool esec(std::string_view arg) {
         double w = 0;
-        if (cn2d(arg.data(), static_cast<int32_t>(arg.size()), &w) < 0) return fail(VLKXS_C_R_NUMBER);
-        if (w < 0) return fail(VLKXS_C_R_ESEC);
+        if (!tested() || pass_ == 3) {
+            if (cn2d(arg.data(), static_cast<int32_t>(arg.size()), &w) < 0) return fail(VLKXS_C_R_NUMBER);
+            if (w < 0) return fail(VLKXS_C_R_ESEC);
+        }
         if (pass_ == 2) energy().n1 = cnt1_ + 1;
         if (pass_ == 3) {
             if (repeats_.seen(w)) return fail(VLKXS_C_R_DUPESEC);
