@@ -336,7 +336,7 @@ Words texts(const std::vector<std::pair<const char *, std::string>> &lines) {
     return l;
 }
 
-// Words of a content as a plain reading of the rules: split at "\n", a "\r"
+// Lines of a content as a plain reading of the rules: split at "\n", a "\r"
 // at the end of a piece is the line end's, and no line follows a final "\n".
 Words reference_lines(std::string_view s) {
     Words l;
@@ -361,7 +361,7 @@ void open_and_read(FileMem &fm, const std::string &path) {
 // contents long enough that line ends fall on every bit of the line-end
 // marks, against the plain reading.  A second pass gives the same pointers,
 // and the text behind those of the first pass is still the line.
-TEST(FileMem, WordsAsThePlainReading) {
+TEST(FileMem, LinesAsThePlainReading) {
     std::vector<std::string> contents = {
         "a\nbb\nccc\n", "a\r\nbb\r\n", "a\r\nb\nc\r\nd", "a\nb", "a\r\nb", "xs i,t", "\n\na\n\n", "\r\n\r\na\r\n",
         "  \n\t\n \t \r\n", "", "\n", "\r\n", "a\r\n\nb", "a\rb\n", "a\r", "\r\r\n", "a\r\n\r\n\n", "a\0b\n\0\n\0"s,
