@@ -350,10 +350,45 @@ VLKXS_API SCMDSTATUS VLKXSIATypeFromStr(SVLKXS *set, const char *word, int32_t m
  * xs files
  * ======================================================================== */
 
-/* Reads an xs file into `set` (raw storage or an empty set).  On failure the
- * set is empty and the record locates the offending line; `text` then points
- * at a thread-local copy of that line.  Warnings (unknown tag, no data) are
- * always reported and never show in the result. */
+/* Reads an xs file into `set` (raw storage or an empty set: VLKXSInit runs
+ * first and releases nothing).  The set then holds the file's primary tables
+ * only; complete it with VLKXSComplete before use.  `infile` gets a copy of
+ * `path`, owned by the set and released by VLKXSFree.
+ *
+ * Failures (the set is then empty, as after VLKXSFree; reported through
+ * VLKXSError unless VLKXS_MODE_QUIET):
+ *   2  null set (nothing initialised) or null path
+ *   1  the file can't be opened or read, or has more than 2147483647 lines
+ *      (`item` is `path`); no memory (`item` null)
+ *   39 a line out of place, an "!eproj" without a number, a data line
+ *      without a number; 41 a data line with one number; 51 a negative
+ *      number behind the first of a data line
+ *   42 bad "!filetype"; 20, 21 unknown interaction or dimension word (taken
+ *      over from VLKXSIATypeFromStr / VLKXSIADimFromStr, which report it)
+ *   43 "!fileversion" without argument; 44 a tag's number that isn't one
+ *      ("!fileversion", "!shell", "!esec")
+ *   45, 46 target or projectile refused by its companion
+ *   47 negative shell, 48 no "!shell" at all, 49 negative primary energy,
+ *   50 negative secondary energy
+ *   52, 53, 54 a shell number, a primary energy within a shell, a secondary
+ *      energy within a record, repeated (the first repeat in the file)
+ * Warnings never show in the result and are always reported: 38 unknown tag
+ * (the data lines under it are skipped), 40 a shell, record or table
+ * without data.
+ *
+ * The returned record: `file` is the caller's `path` (from the first pass
+ * on); `line` is the number (from 1) of the offending line, 0 where none is
+ * current (48, 1, 2); `text` and `textlen` then hold that line, without its
+ * line end, in thread-local storage of this library that stays until the
+ * same thread's next failed read (a line of more than 511 bytes is cut
+ * there); `item` is `path` for a file that can't be read, else null.  On
+ * success `line` is 0 and `text` null.
+ *
+ * The `at` of every shell and energy record is a plain copy of the reader's
+ * running record at the line that opened it: its `file` and `line` stay
+ * useful, but its `text` points into the file image, which is released
+ * before VLKXSRead returns.  It is a location to compare, never to read:
+ * don't hand a kept `at` to VLKXSError or _cmderrMsg. */
 VLKXS_API SCMDSTATUS VLKXSRead(SVLKXS *set, const char *path, int32_t mode);
 /* Writes a valid set to "<prefix><symbol>.<target>.<IAtag><dimtag>.xs". */
 VLKXS_API SCMDSTATUS VLKXSWrite(SVLKXS *set, const char *prefix, int32_t mode);
@@ -403,9 +438,10 @@ VLKXS_API SCMDSTATUS VLKXSIsEquivW(SVLKXS *set, double limit, int32_t mode);
  *    sigtot;
  *  - every cumulated table with a positive end is normalised to end at 1.
  * Failures, always reported: 2 for a null set or pShell, a missing table or
- * record array, a target without a shell table, or a shell larger than the
- * first shell where a sum shell is to be made (refused before anything
- * changes); 21 for a dim other than 0, 1, 2; 62 for a shell number outside
+ * record array, a target without a shell table, or, where a sum shell is to
+ * be made, a shell larger than the first shell or a set with
+ * VLKXS_FLAG_SHALLOW, whose pShell belongs to another set and can't grow
+ * (both refused before anything changes); 21 for a dim other than 0, 1, 2; 62 for a shell number outside
  * 0..targ.nShell (nothing changed); 1 for a failed allocation.  Nothing is
  * rolled back after the arrangement: the set stays safe to release. */
 VLKXS_API SCMDSTATUS VLKXSComplete(SVLKXS *set, int32_t mode);

@@ -12,6 +12,7 @@
 
 #include "core/alloc.hpp"
 #include "materials.hpp"
+#include "companions/common.hpp"
 #include "core/status.hpp"
 #include "vlkxs.h"
 
@@ -122,13 +123,7 @@ const Particle *find_particle(std::string_view text) noexcept {
 void zero(SVLKPROJ &p) noexcept { std::memset(&p, 0, sizeof p); }
 
 // Releases what the record owns and leaves it empty.
-void release(SVLKPROJ &p) noexcept {
-    if ((p.own & VLKPROJ_OWNS) != 0) {
-        std::free(p.name);
-        std::free(p.symbol);
-    }
-    zero(p);
-}
+void release(SVLKPROJ &p) noexcept { vlk::companion::release(p, VLKPROJ_OWNS, {p.name, p.symbol}); }
 
 // The record of a table row, with the texts given.
 SVLKPROJ make(const Particle &q, char *name, char *symbol, uint32_t own) noexcept {
@@ -147,7 +142,7 @@ SVLKPROJ make(const Particle &q, char *name, char *symbol, uint32_t own) noexcep
 
 uint32_t text_bytes(const char *s) noexcept { return s != nullptr ? static_cast<uint32_t>(std::strlen(s) + 1) : 0u; }
 
-const char *printable(const char *s) noexcept { return s != nullptr ? s : "(null)"; }
+using vlk::companion::printable;
 
 }  // namespace
 
@@ -178,34 +173,18 @@ SCMDSTATUS VLKProjSpace(SVLKPROJ *proj, int32_t mode) {
 
 SCMDSTATUS VLKProjDup(SVLKPROJ *dst, const SVLKPROJ *src, int32_t mode) {
     return vlk::companion_frame(kDup, mode, [&](SCMDSTATUS &s) {
-        if (dst == nullptr || src == nullptr) return;
-        // Work on a copy: dst may be src itself or a byte copy of it, and its
-        // pointers are never released here.
-        SVLKPROJ copy;
-        std::memcpy(&copy, src, sizeof copy);
-        if ((mode & VLKXS_MODE_SHALLOW) != 0) {
-            copy.own &= ~VLKPROJ_OWNS;
-            *dst = copy;
-            vlk::succeed(s);
-            return;
-        }
-        char *name = nullptr;
-        char *symbol = nullptr;
-        bool ok = true;
-        if (copy.name != nullptr) ok = (name = vlk::dup_text(copy.name)) != nullptr;
-        if (ok && copy.symbol != nullptr) ok = (symbol = vlk::dup_text(copy.symbol)) != nullptr;
-        if (!ok) {
-            std::free(name);
-            std::free(symbol);
-            zero(*dst);
-            vlk::fail(s, VLKXS_C_RUNTIME);
-            return;
-        }
-        copy.name = name;
-        copy.symbol = symbol;
-        copy.own |= VLKPROJ_OWNS;
-        *dst = copy;
-        vlk::succeed(s);
+        vlk::companion::duplicate(s, dst, src, mode, VLKPROJ_OWNS, [](SVLKPROJ &copy) {
+            char *name = copy.name != nullptr ? vlk::dup_text(copy.name) : nullptr;
+            char *symbol = copy.symbol != nullptr ? vlk::dup_text(copy.symbol) : nullptr;
+            if ((copy.name != nullptr && name == nullptr) || (copy.symbol != nullptr && symbol == nullptr)) {
+                std::free(name);
+                std::free(symbol);
+                return false;
+            }
+            copy.name = name;
+            copy.symbol = symbol;
+            return true;
+        });
     });
 }
 

@@ -12,6 +12,7 @@
 
 #include "core/alloc.hpp"
 #include "materials.hpp"
+#include "companions/common.hpp"
 #include "core/status.hpp"
 #include "vlkxs.h"
 
@@ -29,13 +30,7 @@ constexpr const char *kImport = "vlktarg(ImportMaterial)";
 
 void zero(SVLKTARG &t) noexcept { std::memset(&t, 0, sizeof t); }
 
-void release(SVLKTARG &t) noexcept {
-    if ((t.own & VLKTARG_OWNS) != 0) {
-        std::free(t.name);
-        std::free(t.pShell);
-    }
-    zero(t);
-}
+void release(SVLKTARG &t) noexcept { vlk::companion::release(t, VLKTARG_OWNS, {t.name, t.pShell}); }
 
 // Rows of the shell table, or 0 when there is none to count or copy.
 std::size_t shell_rows(const SVLKTARG &t) noexcept {
@@ -60,7 +55,7 @@ SVLKTARG make(const mat::Material &m, char *name, SVLKTARGSH *rows, uint32_t own
     return t;
 }
 
-const char *printable(const char *s) noexcept { return s != nullptr ? s : "(null)"; }
+using vlk::companion::printable;
 
 }  // namespace
 
@@ -93,39 +88,20 @@ SCMDSTATUS VLKTargSpace(SVLKTARG *targ, int32_t mode) {
 
 SCMDSTATUS VLKTargDup(SVLKTARG *dst, const SVLKTARG *src, int32_t mode) {
     return vlk::companion_frame(kDup, mode, [&](SCMDSTATUS &s) {
-        if (dst == nullptr || src == nullptr) return;
-        // Work on a copy: dst may be src itself or a byte copy of it, and its
-        // pointers are never released here.
-        SVLKTARG copy;
-        std::memcpy(&copy, src, sizeof copy);
-        if ((mode & VLKXS_MODE_SHALLOW) != 0) {
-            copy.own &= ~VLKTARG_OWNS;
-            *dst = copy;
-            vlk::succeed(s);
-            return;
-        }
-        char *name = nullptr;
-        SVLKTARGSH *rows = nullptr;
-        bool ok = true;
-        if (copy.name != nullptr) ok = (name = vlk::dup_text(copy.name)) != nullptr;
-        const std::size_t n = shell_rows(copy);
-        if (ok && n > 0) {
-            rows = vlk::zalloc_n<SVLKTARGSH>(n);
-            ok = rows != nullptr;
-            if (ok) std::memcpy(rows, copy.pShell, n * sizeof(SVLKTARGSH));
-        }
-        if (!ok) {
-            std::free(name);
-            std::free(rows);
-            zero(*dst);
-            vlk::fail(s, VLKXS_C_RUNTIME);
-            return;
-        }
-        copy.name = name;
-        copy.pShell = rows;  // null when the source had no usable shell table
-        copy.own |= VLKTARG_OWNS;
-        *dst = copy;
-        vlk::succeed(s);
+        vlk::companion::duplicate(s, dst, src, mode, VLKTARG_OWNS, [](SVLKTARG &copy) {
+            char *name = copy.name != nullptr ? vlk::dup_text(copy.name) : nullptr;
+            const std::size_t n = shell_rows(copy);
+            SVLKTARGSH *rows = n > 0 ? vlk::zalloc_n<SVLKTARGSH>(n) : nullptr;
+            if ((copy.name != nullptr && name == nullptr) || (n > 0 && rows == nullptr)) {
+                std::free(name);
+                std::free(rows);
+                return false;
+            }
+            if (n > 0) std::memcpy(rows, copy.pShell, n * sizeof(SVLKTARGSH));
+            copy.name = name;
+            copy.pShell = rows;  // null when the source had no usable shell table
+            return true;
+        });
     });
 }
 

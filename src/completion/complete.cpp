@@ -275,6 +275,9 @@ int32_t complete(SVLKXS &set) {
         const SVLKXSSH &first = set.pShell[0];
         if (first.nE >= 1 && first.pE == nullptr) return VLKXS_C_BADADDR;
         if (!fits_first_shell(set)) return VLKXS_C_BADADDR;
+        // A shallow set borrows pShell from its source: growing it would free
+        // the source's array under it.
+        if ((set.flag & VLKXS_FLAG_SHALLOW) != 0) return VLKXS_C_BADADDR;
         if (const int32_t code = create_sum_shell(set); code != VLKXS_C_OK) return code;
     }
     if (set.pShell[0].pE == nullptr) return VLKXS_C_BADADDR;
