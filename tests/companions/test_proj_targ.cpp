@@ -1,6 +1,5 @@
-// Projectile and target companions: the words they accept and refuse, their
-// test records, validity, duplication, allocation faults, and the protocol
-// they share: trace lines only, never a report.
+// Projectile and target companions: words, test records, validity,
+// duplication, allocation faults, and trace lines without reports.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -93,9 +92,8 @@ TEST(Target, Materials) {
     VLKTargFree(&t, 0);
 }
 
-// What both companions have: their operations, an accepted word and words
-// refused with `no_word`, the test record and ways to spoil it (refused
-// with `invalid`), and the tags of their trace lines.
+// What both companions have: operations, an accepted word, refused words,
+// the test record and ways to spoil it, and their trace tags.
 template <class T>
 struct Companion {
     SCMDSTATUS (*init)(T *, int32_t), (*free)(T *, int32_t), (*space)(T *, int32_t);
@@ -135,10 +133,8 @@ bool same(const SVLKTARG &a, const SVLKTARG &b) {
            !std::memcmp(a.pShell, b.pShell, (a.nShell + 1) * sizeof(SVLKTARGSH));
 }
 
-// A refused word or a null one releases what the record held; every
-// operation takes a null record for a bad address.  An initialised record
-// and a spoilt test record are invalid.  Nothing is reported; trace lines
-// come with the bit only.
+// A refused or null word releases what the record held; a null record is a
+// bad address; an initialised or spoilt record is invalid.  No reports.
 template <class T>
 void refusals(const Companion<T> &c) {
     vlktest::Capture err(stderr);
@@ -170,9 +166,8 @@ void refusals(const Companion<T> &c) {
     EXPECT_EQ(err.finish(), init + ".....\n" + init + " done\n" + from + ".....\n" + from + " done\n");
 }
 
-// A deep copy (into a byte copy of the source, whose pointers must not be
-// released) owns blocks of its own and outlives the source; a shallow one
-// borrows and releases nothing.
+// A deep copy (into a byte copy, not released) owns its blocks and outlives
+// the source; a shallow one borrows and releases nothing.
 template <class T>
 void duplicates(const Companion<T> &c) {
     T src{}, ref{}, shallow;
@@ -190,8 +185,7 @@ void duplicates(const Companion<T> &c) {
     c.free(&ref, 0);
 }
 
-// Every failed allocation of a word conversion or a deep copy gives code 1
-// and an empty record.
+// Each failed allocation of a conversion or deep copy: code 1, empty record.
 template <class T>
 void allocation_faults(const Companion<T> &c) {
     T src{}, r{};

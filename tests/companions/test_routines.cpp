@@ -1,8 +1,5 @@
-// Routines of the support layer: counted-text numbers, word and item
-// splitting, case-free comparison, the number writer against printf and the
-// readers, running integrals, scaling and sorting, and the file memory (line
-// delivery, the 0 byte behind each line, stable text over passes, clean
-// release on every path).
+// Routines of the support layer: counted-text numbers, items and words,
+// case-free comparison, the %G writer, vector routines and the file memory.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -40,9 +37,8 @@ bool same_value(double got, double want) {
     return std::signbit(got) == std::signbit(want) && (got == want || (std::isnan(got) && std::isnan(want)));
 }
 
-// Forms beyond what %G prints (that is read back by the property test
-// below): numbers for cn2d, and where given for cn2l; then texts that
-// neither takes.  A refused text leaves the value untouched.
+// Forms beyond %G (read back by the property test below) for cn2d, and for
+// cn2l where given; texts that neither takes leave the value untouched.
 TEST(Number, CountedText) {
     const struct { const char *text; double real; std::optional<int32_t> integer; } numbers[] = {
         {"12", 12, 12}, {"-12", -12, -12}, {"+12", 12, 12}, {"0", 0, 0}, {"-0", -0.0, 0}, {"007", 7, 7},
@@ -87,8 +83,7 @@ TEST(Number, CountedLengthIsTheEnd) {
     EXPECT_EQ(w[1], 23);
 }
 
-// Up to `max` numbers, separated by blanks or commas, as far as they are
-// numbers; nothing stored beyond them.
+// Up to `max` numbers, as far as they are numbers; nothing stored beyond.
 TEST(Number, VectorsInCountedText) {
     const struct { const char *text; int32_t max; V values; } rows[] = {
         {"1 2 3 4", 3, {1, 2, 3}}, {"1 2 3", 3, {1, 2, 3}}, {"1 2", 5, {1, 2}}, {"1,2, 3", 3, {1, 2, 3}},
@@ -104,33 +99,16 @@ TEST(Number, VectorsInCountedText) {
     }
 }
 
-// Words are split in place at blanks and commas, at most `max` of them.
-TEST(Text, WordsSplitInPlace) {
-    const struct { const char *text; int32_t max; Words words; } rows[] = {
-        {"xs i,t", 3, {"xs", "i", "t"}}, {"xs  i , t", 3, {"xs", "i", "t"}}, {"xs\ti,,t", 3, {"xs", "i", "t"}},
-        {"  xs i t  ", 3, {"xs", "i", "t"}}, {"xs i t extra", 3, {"xs", "i", "t"}}, {"a b", 3, {"a", "b"}},
-        {"xs i t,extra more", 3, {"xs", "i", "t"}}, {"a,b", 1, {"a"}}, {"word", 3, {"word"}}, {"", 3, {}},
-        {" , \t,", 3, {}}};
-    for (const auto &r : rows) {
-        std::string buf(r.text);
-        std::vector<char *> words(static_cast<std::size_t>(r.max) + 1, nullptr);
-        ASSERT_EQ(c2vc(buf.data(), words.data(), 1, r.max), static_cast<int32_t>(r.words.size())) << r.text;
-        for (std::size_t i = 0; i < r.words.size(); ++i) {
-            EXPECT_TRUE(words[i] >= buf.data() && words[i] < buf.data() + buf.size()) << r.text;
-            EXPECT_EQ(words[i], r.words[i]) << r.text;
-        }
-        EXPECT_EQ(words.back(), nullptr) << "nothing beyond max";
-    }
-}
-
-// Items of a limit string: cut at commas and blanks (a comma between blanks
-// is one cut), the text unchanged; a text without any item is negative.
-TEST(Text, ItemsCutWithoutChanging) {
+// Items: cut at commas and blanks (a comma between blanks is one cut), the
+// text unchanged, negative without any.  Words: the items that aren't
+// empty, split in place, at most `max`.
+TEST(Text, ItemsAndWords) {
     const std::pair<const char *, Words> rows[] = {
         {"1,2,3", {"1", "2", "3"}}, {"1, 2, 3", {"1", "2", "3"}}, {"1 2 3", {"1", "2", "3"}}, {"1\t2", {"1", "2"}},
         {"1 ,2 , 3", {"1", "2", "3"}}, {"5 , *", {"5", "*"}}, {"  1  ", {"1"}}, {"1E+06", {"1E+06"}},
         {"a b,c", {"a", "b", "c"}}, {",,", {"", "", ""}}, {",", {"", ""}}, {"1,,2", {"1", "", "2"}},
         {"1 , , 2", {"1", "", "2"}}, {"1,", {"1", ""}}, {"1 , ", {"1", ""}}, {",1", {"", "1"}}, {" , 1", {"", "1"}},
+        {"xs\ti,,t", {"xs", "i", "", "t"}}, {"xs i t,extra more", {"xs", "i", "t", "extra", "more"}},
         {"", {}}, {"   ", {}}, {"\t \t", {}}};
     for (const auto &[text, items] : rows) {
         const std::string s(text);
@@ -144,14 +122,25 @@ TEST(Text, ItemsCutWithoutChanging) {
             ASSERT_TRUE(item[i] >= s.c_str() && item[i] + lens[i] <= s.c_str() + s.size()) << "'" << text << "'";
             EXPECT_EQ(std::string(item[i], static_cast<std::size_t>(lens[i])), items[i]) << "'" << text << "'";
         }
+        Words words;
+        std::copy_if(items.begin(), items.end(), std::back_inserter(words), [](const auto &w) { return !w.empty(); });
+        for (const std::size_t max : {std::size_t{1}, std::size_t{3}}) {
+            std::string buf(text);
+            std::vector<char *> split(max + 1, nullptr);
+            const Words want(words.begin(), words.begin() + static_cast<long>(std::min(max, words.size())));
+            ASSERT_EQ(c2vc(buf.data(), split.data(), 1, static_cast<int32_t>(max)), static_cast<int32_t>(want.size()))
+                << "'" << text << "'";
+            for (std::size_t i = 0; i < want.size(); ++i)
+                EXPECT_TRUE(split[i] >= buf.data() && split[i] < buf.data() + buf.size() && split[i] == want[i]);
+            EXPECT_EQ(split.back(), nullptr) << "nothing beyond max";
+        }
     }
 }
 
 int sign(int32_t v) { return (v > 0) - (v < 0); }
 
-// Letters compare without case, every other byte as it is (unsigned);
-// strnicmp stops after n bytes, also in a line without a 0 behind its
-// keyword; stricnb ignores blanks at both ends of either text.
+// Letters compare without case, other bytes as they are (unsigned); strnicmp
+// stops after n bytes; stricnb ignores blanks at both ends.
 TEST(Text, CaseFreeComparison) {
     const struct { const char *a, *b; int want; } rows[] = {
         {"abc", "abc", 0}, {"ABC", "abc", 0}, {"xS", "Xs", 0},  {"", "", 0},   {"a", "B", -1},
@@ -176,9 +165,8 @@ TEST(Text, CaseFreeComparison) {
     }
 }
 
-// Boundary values of %G (the rounding of the sixth digit, the switch to an
-// exponent, the ends of the range), powers of ten and their neighbours, any
-// bit pattern, and short decimals with a 5 at the seventh digit.
+// Boundaries of %G (sixth-digit rounding, the switch to an exponent, the
+// range), powers of ten, any bit pattern, decimals with a 5 at digit seven.
 std::vector<double> g_values() {
     const double denorm = std::numeric_limits<double>::denorm_min();
     V v = {0.0,          -0.0,     1.0,         -1.0,        kInf,         -kInf,    kNan,     -kNan,    DBL_MAX,
@@ -203,8 +191,7 @@ std::vector<double> g_values() {
     return v;
 }
 
-// write_g prints what printf("%G") prints, and both number readers take the
-// text back whole, to the value it means.
+// write_g prints what printf("%G") prints; both readers take it back whole.
 TEST(NumberWriteG, SameAsPrintfAndReadBack) {
     int failures = 0;
     for (const double v : g_values()) {
@@ -236,9 +223,8 @@ TEST(NumberWriteG, SmallBuffers) {
     EXPECT_EQ(vlk::write_g(std::span<char>{}, 1.0), 0u);
 }
 
-// The running integral follows the grid (a descending one gives negative
-// values); one point stands for a flat value over a cosine range of 2.
-// Nothing is written beyond n, nor for n = 0; strides count elements.
+// The running integral follows the grid; one point stands for a flat value
+// over a cosine range of 2; nothing written beyond n; strides in elements.
 TEST(Vectors, RunningIntegral) {
     const struct { V x, y, cum; } rows[] = {{{-1, 0, 1}, {1, 2, 1}, {0, 1.5, 3}},
                                             {{1, 0, -1}, {1, 2, 1}, {0, -1.5, -3}},
@@ -278,8 +264,8 @@ TEST(Vectors, ScaleTouchesOnlyN) {
     EXPECT_EQ(out, (V{-1, -3}));
 }
 
-// Random lists with many equal values and the ends of the range come out as
-// std::sort has them, in place; NaNs go last, and other lists follow.
+// As std::sort has them, in place, with many equal values; NaNs go last,
+// and other lists follow.
 TEST(Vectors, Sort) {
     std::mt19937_64 rng(42);
     std::uniform_int_distribution<int> value(-1000, 1000);
@@ -312,8 +298,7 @@ struct FileMem {
     SUFILEMEM *get() { return &fm; }
 };
 
-// One pass from the first line to the end: where each line lies (inside the
-// image, a 0 byte behind it) and its text.
+// One pass: each line inside the image with a 0 byte behind it.
 std::vector<std::pair<const char *, std::string>> pass(FileMem &fm) {
     std::vector<std::pair<const char *, std::string>> out;
     EXPECT_EQ(uFileMemLineFirst(fm.get(), 0), 0);
@@ -357,10 +342,9 @@ void open_and_read(FileMem &fm, const std::string &path) {
     EXPECT_EQ(fm->fp, nullptr) << "Read closes the stream";
 }
 
-// Line ends of every kind, lone "\r", 0 bytes and empty lines, then random
-// contents long enough that line ends fall on every bit of the line-end
-// marks, against the plain reading.  A second pass gives the same pointers,
-// and the text behind those of the first pass is still the line.
+// Line ends of every kind, lone "\r", 0 bytes, empty lines, then random
+// contents, against the plain reading; a second pass gives the same
+// pointers, and the text behind them is still the line.
 TEST(FileMem, LinesAsThePlainReading) {
     std::vector<std::string> contents = {
         "a\nbb\nccc\n", "a\r\nbb\r\n", "a\r\nb\nc\r\nd", "a\nb", "a\r\nb", "xs i,t", "\n\na\n\n", "\r\n\r\na\r\n",
@@ -386,8 +370,8 @@ TEST(FileMem, LinesAsThePlainReading) {
     }
 }
 
-// A record never opened, or whose open or read failed, delivers nothing,
-// and may be closed twice; the same record works afterwards.
+// A record never opened, or whose open or read failed, delivers nothing and
+// may be closed twice; it works afterwards.
 TEST(FileMem, FailedPaths) {
     SUFILEMEM raw;
     std::memset(&raw, 0x5a, sizeof raw);

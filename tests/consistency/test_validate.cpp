@@ -1,6 +1,5 @@
-// Validation: each check with its code and location text, the order in
-// which faults hide each other, the bounds and NaNs that pass, and the quiet
-// bit.  The grid test: the equivW bit of each shell by exact comparison.
+// Validation: each check with its code and location, their order, what
+// passes; the grid test of each shell.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -19,9 +18,8 @@ constexpr int32_t kQuiet = VLKXS_MODE_QUIET;
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInf = std::numeric_limits<double>::infinity();
 
-// A valid double differential set: two shells of two records, each record
-// with two first-level points of 3 and 2 angles.  Cumulated tables need not
-// start at 0 (the second row starts at 0.2).
+// Two shells of two records of two points with 3 and 2 angles; a cumulated
+// row need not start at 0.
 std::unique_ptr<SetBuilder> valid_set(int32_t dim = 2) {
     auto b = std::make_unique<SetBuilder>(dim);
     for (int32_t number : {1, 2}) {
@@ -76,14 +74,12 @@ TEST(IsValid, EachFaultWithCodeAndLocation) {
          "Shell[0].E[0].Cum2[0][1]=1.25"},
         {"DdcsCumulationFalls", [](SetBuilder &b) { b.rec(0, 0).pdvCum2[1][0] = 0.7, b.rec(0, 0).pdvCum2[1][1] = 0.2; },
          60, "Shell[0].E[0].Cum2[1][1]=0.2 0.7"},
-        // Order: the second level of point 0 comes before the first level of
-        // point 1, record 1 of shell 0 before record 0 of shell 1.
+        // Order: point by point, record by record.
         {"SecondLevelOfPointFirst", [](SetBuilder &b) { b.rec(0, 0).dvSig1[1] = -1, b.rec(0, 0).pdvSig2[0][0] = -1; },
          59, "Shell[0].E[0].Sig2[0][0]=-1"},
         {"EarlierShellFirst", [](SetBuilder &b) { b.rec(1, 0).E = -1, b.rec(0, 1).dvSig1[0] = -1; }, 56,
          "Shell[0].E[1].Sig1[0]=-1"},
-        // Bounds, NaNs (after a NaN the cumulation may fall), infinities, and
-        // what isn't looked at.
+        // Bounds, NaNs, infinities, and what isn't looked at.
         {"ZeroBounds", [](SetBuilder &b) { b.rec(0, 0).E = b.rec(0, 0).sigtot = b.rec(0, 0).dvCum1[0] = 0; }, 0, nullptr},
         {"FlatCumulation", [](SetBuilder &b) { b.rec(0, 0).dvCum1[0] = 0.5, b.rec(0, 0).dvCum1[1] = 0.5; }, 0, nullptr},
         {"NaNsPass",
@@ -97,6 +93,12 @@ TEST(IsValid, EachFaultWithCodeAndLocation) {
         {"EmptyRecordWithArrays", [](SetBuilder &b) { b.rec(0, 0).n1 = 0; }, 0, nullptr},
         {"PointWithoutAngles", [](SetBuilder &b) { b.rec(0, 0).nv2[0] = 0, b.rec(0, 0).pdvSig2[0][0] = -1; }, 0, nullptr},
         {"GridsAreNotLookedAt", [](SetBuilder &b) { b.rec(0, 0).dv1[0] = -5, b.rec(0, 0).pdv2[0][2] = kNaN; }, 0, nullptr},
+        // The dimension decides the tables.
+        {"Dim0", [](SetBuilder &b) { b.set.dim = 0, b.rec(0, 0).dvCum1 = nullptr, b.rec(0, 0).pdv2 = nullptr; }, 0, nullptr},
+        {"DimMinus1", [](SetBuilder &b) { b.set.dim = -1, b.rec(0, 0).dvCum1[1] = 2; }, 0, nullptr},
+        {"Dim1", [](SetBuilder &b) { b.set.dim = 1, b.rec(0, 0).dvCum1[1] = 2; }, 57, "Shell[0].E[0].Cum1[1]=2"},
+        {"Dim1WithoutSecondLevel", [](SetBuilder &b) { b.set.dim = 1, b.rec(0, 0).pdvCum2 = nullptr; }, 0, nullptr},
+        {"Dim3", [](SetBuilder &b) { b.set.dim = 3, b.rec(0, 0).pdvCum2 = nullptr; }, 58, "Shell[0].E[0]"},
     };
     for (const auto &f : faults) {
         auto b = valid_set();
@@ -111,29 +113,7 @@ TEST(IsValid, EachFaultWithCodeAndLocation) {
     EXPECT_TRUE(s.code == 2 && s.item == nullptr);
 }
 
-// A faulty first level stops dim 1 and 2 sets alike, while dim 0 and below
-// looks at no table (a total set needs none), and dim 3 reads the second
-// level as dim 2 does.
-TEST(IsValid, DimensionDecidesTheTables) {
-    for (const auto &[dim, code] : {std::pair{-1, 0}, {0, 0}, {1, 57}, {2, 57}, {3, 57}}) {
-        auto b = valid_set(dim);
-        b->rec(0, 0).dvCum1[1] = 2;
-        EXPECT_EQ(VLKXSIsValid(&b->set, kQuiet).code, code) << "dim " << dim;
-    }
-    for (const auto &[dim, code] : {std::pair{1, 0}, {2, 58}, {3, 58}}) {
-        auto b = valid_set(dim);
-        b->rec(0, 0).pdvCum2 = nullptr;
-        EXPECT_EQ(VLKXSIsValid(&b->set, kQuiet).code, code) << "dim " << dim;
-    }
-    SetBuilder total(0);
-    total.add_shell(1, 1);
-    const SCMDSTATUS s = VLKXSIsValid(&total.set, kQuiet);
-    EXPECT_TRUE(s.code == 0 && s.item == nullptr);
-}
-
-// Without the quiet bit the failure is reported once, with its location,
-// which stays in the record's item.  The companions are asked with the
-// caller's trace bit.
+// Reported once unless quiet, with the location; companions traced.
 TEST(IsValid, ReportsUnlessQuietAndTracesItsCompanions) {
     auto b = valid_set();
     vlktest::Capture trace(stderr);
@@ -151,10 +131,8 @@ TEST(IsValid, ReportsUnlessQuietAndTracesItsCompanions) {
     EXPECT_STREQ(s.item, "Shell[0].E[1].SigTot=-1E-20");
 }
 
-// Each shell gets its own bit, recomputed from the grids of its records by
-// exact comparison (an empty row: no dv1, though n1 says 2); a shell without
-// records gets no; other bits of the flag stay; `limit` has no effect.  A
-// null set and a set without shells fail, reported unless quiet.
+// Each shell's bit from its grids, compared exactly (an empty row: no dv1);
+// no records: no; other bits stay; `limit` unused.  Failures as reported.
 TEST(IsEquivW, GridsComparedExactly) {
     const std::pair<std::vector<Row>, bool> rows[] = {
         {{{1, 2, 3}, {1, 2, 3}, {1, 2, 3}}, true}, {{{7}}, true},           {{{1, 2, 3}, {1, 2, 3}, {1, 2}}, false},

@@ -1,5 +1,4 @@
-// The xs reader: good files of each dimension, every failure with its place,
-// the two warnings, and the set left empty after a failure.
+// The xs reader: good files, every failure with its place, the warnings.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -63,15 +62,14 @@ TEST_F(Read, TotalCrossSections) {
     EXPECT_TRUE(e[0].E == 0.02 && e[0].sigtot == 1.5E-17 && e[2].sigtot == 1.26E-16 && e[0].km == 0.0);
     EXPECT_TRUE(e[0].n1 == 0 && e[0].dv1 == nullptr);
     EXPECT_TRUE(sum[3].E == 1000.0 && sum[3].km == 0.0161);
-    // Each shell remembers the "!shell" line that opened it (the text itself
-    // lived in the file image, gone by now); records of a total set none.
+    // Each shell keeps the place of its "!shell" line; a total record none.
     EXPECT_TRUE(set.pShell[0].at.line == 7 && set.pShell[2].at.line == 20 && set.pShell[1].at.textlen == 14);
     EXPECT_EQ(set.pShell[1].at.code, VLKXS_C_BADADDR);
     EXPECT_EQ(e[0].at.line, 0);
 }
 
-// Single differential: the third column is never stored, km is read in shell
-// 0 alone.  Double differential: dvSig1 is left to the completion.
+// The third column of a single differential table is never stored; dvSig1
+// of a double differential one is left to the completion.
 TEST_F(Read, DifferentialFiles) {
     ASSERT_EQ(read_path(data_file("e.H2O.is.xs")).code, 0) << err;
     ASSERT_TRUE(set.dim == 1 && set.nShell == 2 && set.pShell[0].nE == 2);
@@ -89,8 +87,7 @@ TEST_F(Read, DifferentialFiles) {
     EXPECT_TRUE(sh.pE[1].pdv2[0][1] == 0.5 && set.pShell[1].pE[0].nv2[0] == 2);
 }
 
-// Carriage returns, tags in any case, blanks and commas alike, and a last
-// line without a line end.
+// Carriage returns, tags in any case, commas, no final line end.
 TEST_F(Read, CarriageReturnsCaseAndSeparators) {
     ASSERT_EQ(read_path(data_file("crlf_tags.xs")).code, 0) << err;
     ASSERT_TRUE(set.IA == 1 && set.dim == 1 && set.nShell == 2);
@@ -102,10 +99,9 @@ TEST_F(Read, CarriageReturnsCaseAndSeparators) {
     EXPECT_EQ(set.pShell[1].pE[0].n1, 1);
 }
 
-// Each failure with its code, line and text; quiet, the reader reports
-// nothing, and the set is left empty.  Errors come by pass, not by line: a
-// repeated shell (pass 1) before a repeated energy earlier in the file
-// (pass 2), a misplaced line (pass 0) before a bad data line (last pass).
+// Each failure with its code, line and text, not reported when quiet, the
+// set left empty.  Errors come by pass: a repeated shell before a repeated
+// energy above it, a misplaced line before a bad data line.
 TEST_F(Read, Failures) {
     const struct { std::string content; int32_t code, line; const char *text; /* null: no line current */ } rows[] = {
         {"", 48, 0, nullptr},
@@ -146,10 +142,7 @@ TEST_F(Read, Failures) {
         {kHead0 + "!shell 1\n1 2\n\t\t\n", 39, 7, "\t\t"},
         {kHead1 + "!shell 1\n!eproj 1\n1 2\n!eproj 1\n1 2\n!shell 1\n!eproj 2\n1 2\n", 52, 10, "!shell 1"},
         {kHead0 + "!shell 1\n1\n!eproj 3\n", 39, 7, "!eproj 3"},
-        // Misplaced lines of each kind: a date between target and projectile
-        // or after the header, a tab (no blank) before a tag, an energy
-        // without data before the next, data right below an energy in a
-        // double differential file; a tag matched by its beginning.
+        // Misplaced lines; a tag matched by its beginning.
         {"!filetype xs i,t\n!fileversion 1\n!target H2O\n!filedate\n!projectile e\n", 39, 5, "!projectile e"},
         {kHead0 + "!filedate\n", 39, 5, "!filedate"},
         {kHead0 + "\t!shell 1\n", 39, 5, "\t!shell 1"},
@@ -172,9 +165,8 @@ TEST_F(Read, Failures) {
     }
 }
 
-// Without the quiet bit a failure is reported once, with its place.  A bad
-// interaction word is reported by the conversion as well, and by it alone
-// when quiet.
+// A failure is reported once, with its place; a bad interaction word also by
+// the conversion, and by it alone when quiet.
 TEST_F(Read, FailureReports) {
     const SCMDSTATUS s = read_text(kHead0 + "!shell 1\n1\n");
     EXPECT_EQ(s.code, 41);
@@ -187,8 +179,7 @@ TEST_F(Read, FailureReports) {
     EXPECT_EQ(count_lines(err, "<E> "), 2) << err;
 }
 
-// A missing file names its path in `item`; null arguments are bad
-// addresses, and raw storage is initialised all the same.
+// A missing file names its path; null arguments are bad addresses.
 TEST_F(Read, MissingFileAndNullArguments) {
     const SCMDSTATUS s = read_path(dir.prefix() + "nope.xs", kQuiet);
     EXPECT_TRUE(s.code == VLKXS_C_RUNTIME && s.file == nullptr);
@@ -200,13 +191,9 @@ TEST_F(Read, MissingFileAndNullArguments) {
     EXPECT_TRUE(empty());
 }
 
-// Reads that succeed.  Unknown tags and sections without data are warned
-// of, with their place, even when quiet.  Empty sections keep their counts
-// and null arrays; an unknown tag hides the rest of its section, numbers or
-// not.  Values that pass: a repeated E in a total table, E and cross section
-// 0, km missing in shell 0 or given outside it, a near-duplicate energy, one
-// energy in two shells, a cosine in the first column; dates anywhere in the
-// header, a second target replacing the first, any version number.
+// Reads that succeed: unknown tags and empty sections warned of even when
+// quiet; empty sections keep counts and null arrays; an unknown tag hides
+// the rest of its section; values and header lines that pass.
 TEST_F(Read, Successes) {
     using Check = bool (*)(const SVLKXS &);
     const struct { std::string content; int warnings; const char *where; Check check; } rows[] = {
@@ -253,8 +240,8 @@ TEST_F(Read, TraceLines) {
     EXPECT_NE(err.find("<D> vlkxs(Read) done\n"), std::string::npos) << err;
 }
 
-// Inside a companion a failed allocation shows as a bad target or
-// projectile; the set is left empty in every case.
+// A failed allocation (in a companion: a bad target or projectile) leaves
+// the set empty.
 TEST_F(Read, EveryAllocationFailureEndsCleanly) {
     for (const char *name : {"e.H2O.it.xs", "e.H2O.is.xs", "p.H2O.id.xs"}) {
         const int failures = vlktest::fault_loop(

@@ -1,8 +1,6 @@
-// The records of a set: the frame that every operation shares (trace lines,
-// the status record, who reports what), the message table, the tags of
-// interaction types and dimensions, and Init, Free, Space, Enable, Disable
-// on sets of every shape.  Run under AddressSanitizer, the Free tests also
-// prove that no block leaks and none is released twice.
+// The frame of every operation, the message table, the tags, and the life
+// cycle of sets of every shape (under the sanitizers: no leak, no double
+// release).
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -43,10 +41,9 @@ TEST(Frame, TraceLines) {
     VLKXSFree(&set, 0);
 }
 
-// Each operation on a set, then on a null set: the success record carries
-// the origin, column -1 and nothing else; the failure (code 2) is reported
-// as many times as the row says without and with the quiet bit, and the
-// record has the message text exactly when it was reported.
+// On a set, the success record carries origin and column -1 only; on a null
+// set, code 2 is reported as the row says, loud and quiet, and the record
+// has the message exactly when reported.
 TEST(Frame, SuccessRecordAndReportRule) {
     const struct { const char *origin; std::function<SCMDSTATUS(SVLKXS *, int32_t)> call; int loud, quiet; } ops[] = {
         {"vlkxs(Init)", [](SVLKXS *s, int32_t m) { return VLKXSInit(s, m); }, 0, 0},
@@ -112,11 +109,10 @@ TEST(Error, SeverityMarkAndLocationLines) {
     EXPECT_EQ(err_of([&] { VLKXSError(&s, 0); }), "<I> vlkxs(Read): read: unknown tag (code 38)\n");
 }
 
-// Numbers to tags, for every row and beyond.  Dimension words count by
-// their first character, in exact case and with no blank skipped;
-// interaction words skip leading blanks, and their second letter gives
-// dimmask (0 for any other).  A failure changes nothing and is reported
-// even when quiet; the text conversions leave the tag fields alone.
+// Numbers to tags, every row and beyond.  A dimension word counts by its
+// first character, exact case; an interaction word skips leading blanks and
+// its second letter gives dimmask.  Failures change nothing and are reported
+// even when quiet.
 TEST(Tags, BothDirections) {
     SVLKXS set;
     VLKXSInit(&set, 0);
@@ -240,9 +236,9 @@ TEST(Lifecycle, FreeOfShallowSetLeavesTheSourceAlone) {
     EXPECT_STREQ(source.targ.name, "H2O");
 }
 
-// The space of a set: its record, the companions' texts with their 0 byte
-// and shell rows (owned or borrowed), the path, shell and energy records,
-// and the arrays present, rows by their counts (none without nv2).
+// Space: the record, companions' texts and shell rows (owned or borrowed),
+// the path, shells, records, and arrays present, rows by count (none
+// without nv2).
 TEST(Lifecycle, SpaceCountsWhatIsThere) {
     SetBuilder empty(0), test(0), b(2);
     VLKXSInit(&empty.set, 0);
@@ -250,7 +246,7 @@ TEST(Lifecycle, SpaceCountsWhatIsThere) {
     for (SVLKXS *s : {&empty.set, &test.set, &set}) EXPECT_EQ(VLKXSSpace(s, 0).code, 0);
     EXPECT_EQ(empty.set.space, sizeof(SVLKXS));
     EXPECT_EQ(test.set.space, sizeof(SVLKXS) + sizeof "electron" + sizeof "e" + sizeof "H2O" + 6 * sizeof(SVLKTARGSH));
-    // Doubles: 2 * 3 + 3 + 4 + 3 + 4 + 3 + 4 in the full record, 2 + 2 + 3 + 4 + 3 in the next, 5 in the half one.
+    // Doubles: 27 in the full record, 14 in the next, 5 in the half one.
     EXPECT_EQ(set.space, sizeof(SVLKXS) + sizeof "proton" + sizeof "p" + sizeof "H2O" + 6 * sizeof(SVLKTARGSH) +
                              sizeof "abc.xs" + 3 * sizeof(SVLKXSSH) + 3 * sizeof(SVLKXSE) + 46 * sizeof(double) +
                              4 * sizeof(int32_t));

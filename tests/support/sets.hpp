@@ -1,8 +1,6 @@
-// Hand-made sets for the tests of the consistency and completion code.
-// Every array is a calloc block, as in a set that the library made.  Until
-// hand_over() the builder keeps track of its blocks and releases them itself,
-// so that a test may break counts and pointers of the set at will; after
-// hand_over() the set owns them and VLKXSFree releases everything.
+// Hand-made sets, every array a calloc block.  Until hand_over() the builder
+// releases its blocks itself (a test may break the set at will); after it,
+// VLKXSFree releases everything.
 #pragma once
 
 #include <cstdlib>
@@ -64,16 +62,14 @@ public:
         return p;
     }
     double **rows(std::size_t n) { return static_cast<double **>(block(n, sizeof(double *))); }
-    // First level: grid, differential and cumulated values (an empty row
-    // leaves its array null).  n1 is the size of the grid.
+    // First level: grid, differential and cumulated values (empty: null).
     void sdcs(SVLKXSE &e, const Row &grid, const Row &sig, const Row &cum = {}) {
         e.n1 = static_cast<int32_t>(grid.size());
         e.dv1 = doubles(grid);
         e.dvSig1 = doubles(sig);
         e.dvCum1 = doubles(cum);
     }
-    // Second level of every point: one row of each table per point, with
-    // nv2[k] the size of grid row k.  `sig1` gives dvSig1 (may be empty).
+    // Second level: one row of each table per point; `sig1` gives dvSig1.
     void ddcs(SVLKXSE &e, const Row &dv1, const std::vector<Row> &grid, const std::vector<Row> &sig,
               const std::vector<Row> &cum = {}, const Row &sig1 = {}) {
         const std::size_t n1 = dv1.size();
@@ -92,8 +88,7 @@ public:
         }
     }
 
-    // From now on the set owns its blocks (for operations that reallocate
-    // or add to them); the builder releases it with VLKXSFree.
+    // From now on the set owns its blocks, released with VLKXSFree.
     SVLKXS *hand_over() {
         handed_ = true;
         blocks_.clear();
