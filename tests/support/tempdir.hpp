@@ -14,38 +14,39 @@
 
 namespace vlktest {
 
+namespace fs = std::filesystem;
+
 class TempDir {
 public:
     TempDir() {
         static std::atomic<int> serial{0};
         const char *base = std::getenv("VLKXS_TEST_TMP");
-        const auto root = base ? std::filesystem::path(base) : std::filesystem::temp_directory_path() / "vlkxs-tests";
-        path_ = root / ("t" + std::to_string(getpid()) + "-" + std::to_string(serial++));
-        std::filesystem::remove_all(path_);
-        std::filesystem::create_directories(path_);
+        path_ = (base ? fs::path(base) : fs::temp_directory_path() / "vlkxs-tests") /
+                ("t" + std::to_string(getpid()) + "-" + std::to_string(serial++));
+        fs::remove_all(path_);
+        fs::create_directories(path_);
     }
     ~TempDir() {
         std::error_code ec;
-        std::filesystem::remove_all(path_, ec);
+        fs::remove_all(path_, ec);
     }
     TempDir(const TempDir &) = delete;
     TempDir &operator=(const TempDir &) = delete;
-    const std::filesystem::path &path() const { return path_; }
+    const fs::path &path() const { return path_; }
     // The directory as a prefix for generated file names: ends with '/'.
     std::string prefix() const { return path_.string() + "/"; }
     // Writes `content` byte for byte to `name` in the directory.
     std::string write(std::string_view name, std::string_view content) const {
-        const std::filesystem::path p = path_ / name;
-        std::ofstream(p, std::ios::binary).write(content.data(), static_cast<std::streamsize>(content.size()));
-        return p.string();
+        std::ofstream(path_ / name, std::ios::binary).write(content.data(), std::streamsize(content.size()));
+        return (path_ / name).string();
     }
 
 private:
-    std::filesystem::path path_;
+    fs::path path_;
 };
 
 // Whole content of a file; empty if it can't be read.
-inline std::string read_file(const std::filesystem::path &p) {
+inline std::string read_file(const fs::path &p) {
     std::ostringstream ss;
     ss << std::ifstream(p, std::ios::binary).rdbuf();
     return ss.str();
