@@ -14,6 +14,8 @@ int main(void) {
     memset(&set, 0xab, sizeof set); /* raw storage */
     s = VLKXSInit(&set, 0);
     CHECK(s.code == VLKXS_C_OK && s.level == VLKXS_LEVEL_OK && strcmp(s.origin, "vlkxs(Init)") == 0);
+    CHECK(set.flag == 0 && set.space == 0 && set.IA == 0 && set.dim == 0 && set.dimmask == 0 && set.nShell == 0);
+    CHECK(!set.pShell && !set.infile && !set.IAtag && !set.dimtag && !set.coltag && !set.proj.name && !set.targ.name);
     CHECK(VLKProjFromStr(&set.proj, "e", 0).code == 0 && VLKTargImportMaterial(&set.targ, "H2O", 0).code == 0);
     CHECK(VLKXSSpace(&set, 0).code == 0 && set.space >= sizeof(SVLKXS));
     CHECK(VLKXSEnable(&set, 0).code == 0 && set.flag == VLKXS_FLAG_ENABLED);

@@ -325,13 +325,9 @@ TEST(Complete, RandomShapesEndInACodeAndReleaseCleanly) {
             SVLKXSSH &sh = b.add_shell(pick(-1, 6) == 6 ? 0 : pick(0, 5), nE, chance(0.9));
             for (int32_t j = 0; sh.pE != nullptr && j < nE; ++j) {
                 SVLKXSE &e = sh.pE[j];
-                e.E = value();
-                e.sigtot = value();
-                e.km = value();
+                for (double SVLKXSE::*v : {&SVLKXSE::E, &SVLKXSE::sigtot, &SVLKXSE::km}) e.*v = value();
                 e.n1 = pick(-1, 3);
-                e.dv1 = maybe(e.n1);
-                e.dvSig1 = maybe(e.n1);
-                e.dvCum1 = maybe(e.n1);
+                for (double *SVLKXSE::*a : {&SVLKXSE::dv1, &SVLKXSE::dvSig1, &SVLKXSE::dvCum1}) e.*a = maybe(e.n1);
                 if (!chance(0.7)) continue;
                 std::vector<int32_t> counts(static_cast<std::size_t>(std::max(e.n1, 0)));
                 for (int32_t &c : counts) c = pick(-1, 3);

@@ -188,16 +188,6 @@ SVLKXS &ragged(SetBuilder &b) {
     return set;
 }
 
-TEST(Lifecycle, InitTurnsRawStorageIntoAnEmptySet) {
-    SVLKXS set;
-    std::memset(&set, 0xff, sizeof set);
-    EXPECT_EQ(VLKXSInit(&set, 0).code, 0);
-    EXPECT_TRUE(set.flag == 0 && set.space == 0 && set.IA == 0 && set.dim == 0 && set.dimmask == 0);
-    EXPECT_TRUE(set.infile == nullptr && set.IAtag == nullptr && set.dimtag == nullptr && set.coltag == nullptr);
-    EXPECT_TRUE(set.nShell == 0 && set.pShell == nullptr);
-    EXPECT_TRUE(set.proj.name == nullptr && set.targ.name == nullptr && set.targ.pShell == nullptr);
-}
-
 TEST(Lifecycle, FreeWalksEveryDepthOfARaggedSet) {
     SetBuilder b(2);
     SVLKXS &set = ragged(b);

@@ -9,12 +9,12 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace vlktest {
 
 class Capture {
 public:
-    // `stream`: stderr or stdout.
     explicit Capture(std::FILE *stream) : stream_(stream), sink_(std::tmpfile()), fd_(fileno(stream)) {
         if (sink_ == nullptr) throw std::runtime_error("tmpfile");
         std::fflush(stream_);
@@ -26,8 +26,7 @@ public:
     Capture &operator=(const Capture &) = delete;
     // Stops capturing (once) and returns everything written meanwhile.
     std::string finish() {
-        if (done_) return text_;
-        done_ = true;
+        if (std::exchange(done_, true)) return text_;
         std::fflush(stream_);
         dup2(saved_, fd_);
         close(saved_);
@@ -48,11 +47,8 @@ private:
 // Number of lines of `text` that begin with `prefix`.
 inline int count_lines(std::string_view text, std::string_view prefix) {
     int n = 0;
-    for (std::size_t pos = 0; pos < text.size();) {
-        const std::size_t end = std::min(text.find('\n', pos), text.size());
-        n += text.substr(pos, end - pos).starts_with(prefix);
-        pos = end + 1;
-    }
+    for (std::size_t pos = 0; pos < text.size(); pos = std::min(text.find('\n', pos), text.size()) + 1)
+        n += text.substr(pos).starts_with(prefix);
     return n;
 }
 
