@@ -12,6 +12,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <utility>
 
 
@@ -70,6 +71,7 @@ int32_t shape_sum_record(SVLKXSE &s, const SVLKXSE &f) {
 // and nShell stay; later failures leave a partly shaped sum shell that the
 // set owns.
 int32_t create_sum_shell(SVLKXS &set) {
+    if (set.nShell == std::numeric_limits<int32_t>::max()) return VLKXS_C_RUNTIME;  // no room to count one more
     const std::size_t n = vlk::count_of(set.nShell);
     void *grown = vlk::zrealloc(set.pShell, n * sizeof(SVLKXSSH), (n + 1) * sizeof(SVLKXSSH));
     if (grown == nullptr) return VLKXS_C_RUNTIME;

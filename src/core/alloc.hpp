@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <limits>
 
 namespace vlk {
 
@@ -49,6 +50,7 @@ public:
     // couldn't grow.
     bool reserve(std::size_t n) noexcept {
         if (n <= cap_) return true;
+        if (n > std::numeric_limits<std::size_t>::max() / 2 / sizeof(T)) return false;  // doubling can't overflow
         std::size_t want = cap_ < 8 ? 8 : cap_;
         while (want < n) want *= 2;
         void *grown = zrealloc(p_, cap_ * sizeof(T), want * sizeof(T));
