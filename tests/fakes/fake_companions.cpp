@@ -32,28 +32,40 @@ void reset() { g_layer = Layer{}; }
 using fake::g_layer;
 using fake::status;
 
-SCMDSTATUS VLKProjInit(SVLKPROJ *p, int32_t) {
-    ++g_layer.proj_init;
-    if (p != nullptr) std::memset(p, 0, sizeof *p);
-    return status(p != nullptr ? 0 : VLKXS_C_BADADDR);
+namespace {
+
+// Init, Free and Space alike for both records: zero-fill or size, counted.
+template <class Rec>
+SCMDSTATUS wipe(Rec *r, int &calls) {
+    ++calls;
+    if (r != nullptr) std::memset(r, 0, sizeof *r);
+    return status(r != nullptr ? 0 : VLKXS_C_BADADDR);
 }
-SCMDSTATUS VLKProjFree(SVLKPROJ *p, int32_t) {
-    ++g_layer.proj_free;
-    if (p != nullptr) std::memset(p, 0, sizeof *p);
-    return status(p != nullptr ? 0 : VLKXS_C_BADADDR);
-}
-SCMDSTATUS VLKProjSpace(SVLKPROJ *p, int32_t) {
-    if (p != nullptr) p->space = sizeof *p;
+template <class Rec>
+SCMDSTATUS size(Rec *r) {
+    if (r != nullptr) r->space = sizeof *r;
     return status(0);
 }
-SCMDSTATUS VLKProjDup(SVLKPROJ *d, const SVLKPROJ *s, int32_t) {
-    ++g_layer.proj_dup;
-    if (g_layer.fail_proj_dup) {
+// A byte copy (the fake's records borrow everything), or a failure that
+// leaves `d` zero-filled.
+template <class Rec>
+SCMDSTATUS dup(Rec *d, const Rec *s, bool fails, int &calls) {
+    ++calls;
+    if (fails) {
         std::memset(d, 0, sizeof *d);
         return status(VLKXS_C_RUNTIME);
     }
     std::memmove(d, s, sizeof *d);
     return status(0);
+}
+
+}  // namespace
+
+SCMDSTATUS VLKProjInit(SVLKPROJ *p, int32_t) { return wipe(p, g_layer.proj_init); }
+SCMDSTATUS VLKProjFree(SVLKPROJ *p, int32_t) { return wipe(p, g_layer.proj_free); }
+SCMDSTATUS VLKProjSpace(SVLKPROJ *p, int32_t) { return size(p); }
+SCMDSTATUS VLKProjDup(SVLKPROJ *d, const SVLKPROJ *s, int32_t) {
+    return dup(d, s, g_layer.fail_proj_dup, g_layer.proj_dup);
 }
 SCMDSTATUS VLKProjIsValid(const SVLKPROJ *p, int32_t m) {
     g_layer.is_valid_mode = m;
@@ -75,28 +87,11 @@ SVLKPROJ _VLKProjTest(int32_t) {
     return p;
 }
 
-SCMDSTATUS VLKTargInit(SVLKTARG *t, int32_t) {
-    ++g_layer.targ_init;
-    if (t != nullptr) std::memset(t, 0, sizeof *t);
-    return status(t != nullptr ? 0 : VLKXS_C_BADADDR);
-}
-SCMDSTATUS VLKTargFree(SVLKTARG *t, int32_t) {
-    ++g_layer.targ_free;
-    if (t != nullptr) std::memset(t, 0, sizeof *t);
-    return status(t != nullptr ? 0 : VLKXS_C_BADADDR);
-}
-SCMDSTATUS VLKTargSpace(SVLKTARG *t, int32_t) {
-    if (t != nullptr) t->space = sizeof *t;
-    return status(0);
-}
+SCMDSTATUS VLKTargInit(SVLKTARG *t, int32_t) { return wipe(t, g_layer.targ_init); }
+SCMDSTATUS VLKTargFree(SVLKTARG *t, int32_t) { return wipe(t, g_layer.targ_free); }
+SCMDSTATUS VLKTargSpace(SVLKTARG *t, int32_t) { return size(t); }
 SCMDSTATUS VLKTargDup(SVLKTARG *d, const SVLKTARG *s, int32_t) {
-    ++g_layer.targ_dup;
-    if (g_layer.fail_targ_dup) {
-        std::memset(d, 0, sizeof *d);
-        return status(VLKXS_C_RUNTIME);
-    }
-    std::memmove(d, s, sizeof *d);
-    return status(0);
+    return dup(d, s, g_layer.fail_targ_dup, g_layer.targ_dup);
 }
 SCMDSTATUS VLKTargIsValid(const SVLKTARG *t, int32_t m) {
     g_layer.is_valid_mode = m;
