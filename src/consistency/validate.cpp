@@ -8,23 +8,21 @@
 #include <cstddef>
 #include <string_view>
 
-
 namespace {
 
 // The location text of the last failed validation of this thread.  The
 // returned record points at it, and VLKXSCalc reports that record after the
 // call, so it has to outlive the call; 132 characters hold the longest text
 // (88) with room to spare.
-thread_local char t_location[132];
+thread_local vlk::FixedText<132> t_location;
 
 // Builds a location text such as "Shell[0].E[1].SigTot=-1E-20" in
-// t_location.  Pieces that would not fit are dropped; none of the texts
-// made here comes near the size.
+// t_location, piece by piece.
 class Location {
 public:
-    Location() { t_location[0] = '\0'; }
+    Location() { t_location.clear(); }
     Location &text(std::string_view s) {
-        if (s.size() < room()) put(s.data(), s.size());
+        t_location.append(s);
         return *this;
     }
     Location &index(std::string_view name, int32_t i) {
@@ -37,16 +35,7 @@ public:
         char g[vlk::kWriteGMax];
         return text({g, vlk::write_g(g, v)});
     }
-    const char *c_str() const { return t_location; }
-
-private:
-    std::size_t room() const { return sizeof t_location - len_; }
-    void put(const char *p, std::size_t n) {
-        for (std::size_t i = 0; i < n; ++i) t_location[len_ + i] = p[i];
-        len_ += n;
-        t_location[len_] = '\0';
-    }
-    std::size_t len_ = 0;
+    const char *c_str() const { return t_location.c_str(); }
 };
 
 Location shell_at(int32_t i) { return Location().index("Shell", i); }
@@ -117,7 +106,7 @@ bool check_record(SCMDSTATUS &st, const SVLKXSE &e, int32_t dim, int32_t i, int3
 }  // namespace
 
 SCMDSTATUS VLKXSIsValid(const SVLKXS *set, int32_t mode) {
-    t_location[0] = '\0';
+    t_location.clear();
     return vlk::run(vlk::op::IsValid, mode, [&](SCMDSTATUS &st) {
         if (set == nullptr) return;
         const int32_t check = vlk::trace_bit(mode) | VLKXS_MODE_CHECK;
