@@ -26,7 +26,8 @@ TEST(Projectile, Words) {
         {"  Electron ", "e", "electron", 3, 0, 0, -1, 510.99906}, {"E+", "e+", "positron", 4, 0, 0, 1, 510.99906},
         {"H+", "p", "proton", 5, 1, 1, 1, 938272.0},             {"h1+", "p", "proton", 5, 1, 1, 1, 938272.0},
         {"He2+", "alpha", "alpha particle", 5, 2, 4, 2, 3727380.19}, {"gamma", "gamma", "photon", 1, 0, 0, 0, 0},
-        {"d", "d", "deuteron", 5, 1, 2, 1, 1875613.37},          {" c6+", "C6+", "carbon ion", 5, 6, 12, 6, 11174865.85},
+        {"d", "d", "deuteron", 5, 1, 2, 1, 1875613.37},
+        {" c6+", "C6+", "carbon ion", 5, 6, 12, 6, 11174865.85},
         {"Li3+", "Li3+", "lithium ion", 5, 3, 7, 3, 6533834.36}, {"O8+", "O8+", "oxygen ion", 5, 8, 16, 8, 14895084.12},
         {"NE10+", "Ne10+", "neon ion", 5, 10, 20, 10, 18617734.48},
         {"test2", "test2", "test particle 2", 2, 0, 0, -1, 510.99906},
@@ -85,7 +86,7 @@ TEST(Target, Materials) {
     }
     SVLKTARG w = _VLKTargTest(0, 0);
     ASSERT_EQ(VLKTargImportMaterial(&t, "H2O", 0).code, 0);
-    EXPECT_TRUE(VLKTargIsValid(&w, 0).code == 0 && w.own == 0 && w.nShell == 5 && w.pShell == _VLKTargTest(0, 0).pShell);
+    EXPECT_TRUE(VLKTargIsValid(&w, 0).code == 0 && w.own == 0 && w.pShell == _VLKTargTest(0, 0).pShell);
     EXPECT_EQ(std::memcmp(t.pShell, w.pShell, 6 * sizeof(SVLKTARGSH)), 0);
     EXPECT_TRUE(w.nAtom == 2 && w.Zatom[0] == 1 && w.natom[0] == 2 && w.Zatom[1] == 8 && w.natom[1] == 1);
     EXPECT_EQ(VLKTargFree(&w, 0).code, 0);  // releases nothing

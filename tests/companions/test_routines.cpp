@@ -228,8 +228,9 @@ TEST(NumberWriteG, SmallBuffers) {
 // The first moment is the mean of x weighted by y (0 without an integral).
 // Scaling touches n elements, in place or not.
 TEST(Vectors, IntegralsAndScaling) {
-    const struct { V x, y, cum; } rows[] = {{{-1, 0, 1}, {1, 2, 1}, {0, 1.5, 3}}, {{1, 0, -1}, {1, 2, 1}, {0, -1.5, -3}},
-                                            {{0, 1, 3}, {2, 2, 0}, {0, 2, 4}},    {{5}, {1.5}, {3}}};
+    const struct { V x, y, cum; } rows[] = {{{-1, 0, 1}, {1, 2, 1}, {0, 1.5, 3}},
+                                            {{1, 0, -1}, {1, 2, 1}, {0, -1.5, -3}},
+                                            {{0, 1, 3}, {2, 2, 0}, {0, 2, 4}}, {{5}, {1.5}, {3}}};
     for (const auto &r : rows) {
         V cum(r.x.size() + 1, -7.0);
         const int32_t n = static_cast<int32_t>(r.x.size());

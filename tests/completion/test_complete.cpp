@@ -102,9 +102,8 @@ TEST(Complete, BindingEnergyAndLET) {
 // get a sum shell, and only a created one gets the sums.
 TEST(Complete, ArrangementOfTheShells) {
     using Numbers = std::vector<int32_t>;
-    const std::pair<Numbers, Numbers> rows[] = {{{0, 1, 2}, {2, 1, 0}}, {{0, 1, 0, 2}, {0, 1, 2, 0}}, {{1, 2}, {1, 2, 0}},
-                                                {{1, 0}, {1, 0}},       {{3}, {3}},                   {{0}, {0}},
-                                                {{5, 4, 3}, {5, 4, 3, 0}}};
+    const std::pair<Numbers, Numbers> rows[] = {{{0, 1, 2}, {2, 1, 0}}, {{0, 1, 0, 2}, {0, 1, 2, 0}},
+        {{1, 2}, {1, 2, 0}}, {{1, 0}, {1, 0}}, {{3}, {3}}, {{0}, {0}}, {{5, 4, 3}, {5, 4, 3, 0}}};
     for (const auto &[in, out] : rows) {
         SetBuilder b(0);
         for (int32_t n : in) b.add_shell(n, 1).pE[0].sigtot = 1;
@@ -237,7 +236,8 @@ TEST(Complete, StopsInTheDoubleDifferentialTables) {
 // only in a record.
 TEST(Complete, Exits) {
     const struct { const char *name; void (*build)(SetBuilder &); int32_t code; std::vector<int32_t> after; } rows[] = {
-        {"ShellAboveTable", [](SetBuilder &b) { b.add_shell(0, 1), b.add_shell(1, 1), b.add_shell(6, 1); }, 62, {0, 1, 6}},
+        {"ShellAboveTable", [](SetBuilder &b) { b.add_shell(0, 1), b.add_shell(1, 1), b.add_shell(6, 1); }, 62,
+         {0, 1, 6}},
         {"NegativeShell", [](SetBuilder &b) { b.add_shell(0, 1), b.add_shell(-1, 1); }, 62, {0, -1}},
         {"NoShellArray", [](SetBuilder &) {}, 2, {}},
         {"NoTargetTable", [](SetBuilder &b) { b.add_shell(1, 1), b.set.targ.pShell = nullptr; }, 2, {1}},
@@ -335,7 +335,7 @@ TEST(Complete, RandomShapesEndInACodeAndReleaseCleanly) {
                 for (double **SVLKXSE::*table : {&SVLKXSE::pdv2, &SVLKXSE::pdvSig2, &SVLKXSE::pdvCum2}) {
                     if (!chance(0.85)) continue;
                     double **rows = (e.*table) = b.rows(counts.size());
-                    for (std::size_t k = 0; k < counts.size(); ++k) rows[k] = counts[k] > 0 ? maybe(counts[k]) : nullptr;
+                    for (std::size_t k = 0; k < counts.size(); ++k) rows[k] = maybe(counts[k]);
                 }
             }
         }
@@ -344,7 +344,7 @@ TEST(Complete, RandomShapesEndInACodeAndReleaseCleanly) {
         const SCMDSTATUS v = VLKXSIsValid(&b.set, VLKXS_MODE_QUIET);
         const SCMDSTATUS w = VLKXSIsEquivW(&b.set, 0.0, VLKXS_MODE_QUIET);
         cap.finish();
-        EXPECT_TRUE(c.code == 0 || c.code == 1 || c.code == 2 || c.code == 21 || c.code == 62) << seed << ": " << c.code;
+        EXPECT_TRUE((c.code >= 0 && c.code <= 2) || c.code == 21 || c.code == 62) << seed << ": " << c.code;
         EXPECT_TRUE(v.code == 0 || (v.code >= 7 && v.code <= 10) || (v.code >= 55 && v.code <= 60)) << seed;
         EXPECT_TRUE(w.code == 0 || w.code == 7) << seed;
         completed += c.code == 0;

@@ -14,6 +14,7 @@ namespace {
 
 using vlktest::Row;
 using vlktest::SetBuilder;
+using Set = SetBuilder;
 constexpr int32_t kQuiet = VLKXS_MODE_QUIET;
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInf = std::numeric_limits<double>::infinity();
@@ -37,68 +38,68 @@ std::unique_ptr<SetBuilder> valid_set(int32_t dim = 2) {
 
 // Quiet: not reported, no message text; the location text has no length.
 TEST(IsValid, EachFaultWithCodeAndLocation) {
-    const struct { const char *name; std::function<void(SetBuilder &)> apply; int32_t code; const char *where; } faults[] = {
-        {"NoProjectile", [](SetBuilder &b) { b.set.proj.name = nullptr; }, 5, nullptr},
-        {"NoTarget", [](SetBuilder &b) { b.set.targ.name = nullptr; }, 6, nullptr},
-        {"NoShells", [](SetBuilder &b) { b.set.nShell = 0; }, 7, nullptr},
-        {"NegativeShellCount", [](SetBuilder &b) { b.set.nShell = -1; }, 7, nullptr},
-        {"NullShells", [](SetBuilder &b) { b.set.pShell = nullptr; }, 7, nullptr},
-        {"NoRecords", [](SetBuilder &b) { b.set.pShell[1].nE = 0; }, 8, "Shell[1]"},
-        {"NullRecords", [](SetBuilder &b) { b.set.pShell[1].pE = nullptr; }, 8, "Shell[1]"},
-        {"NegativeEnergy", [](SetBuilder &b) { b.rec(0, 1).E = -1; }, 9, "Shell[0].E[1].E=-1"},
-        {"EnergyBeforeSigma", [](SetBuilder &b) { b.rec(0, 1).E = -1, b.rec(0, 1).sigtot = -1; }, 9, "Shell[0].E[1].E=-1"},
-        {"NegativeSigma", [](SetBuilder &b) { b.rec(0, 1).sigtot = -1e-20; }, 10, "Shell[0].E[1].SigTot=-1E-20"},
-        {"NoGrid", [](SetBuilder &b) { b.rec(1, 0).dv1 = nullptr; }, 55, "Shell[1].E[0]"},
-        {"NoSdcs", [](SetBuilder &b) { b.rec(1, 0).dvSig1 = nullptr; }, 55, "Shell[1].E[0]"},
-        {"NoCumulation", [](SetBuilder &b) { b.rec(1, 0).dvCum1 = nullptr; }, 55, "Shell[1].E[0]"},
-        {"EmptyRecordWithoutArrays", [](SetBuilder &b) { b.rec(0, 0).n1 = 0, b.rec(0, 0).dvCum1 = nullptr; }, 55,
+    const struct { const char *name; std::function<void(Set &)> apply; int32_t code; const char *where; } faults[] = {
+        {"NoProjectile", [](Set &b) { b.set.proj.name = nullptr; }, 5, nullptr},
+        {"NoTarget", [](Set &b) { b.set.targ.name = nullptr; }, 6, nullptr},
+        {"NoShells", [](Set &b) { b.set.nShell = 0; }, 7, nullptr},
+        {"NegativeShellCount", [](Set &b) { b.set.nShell = -1; }, 7, nullptr},
+        {"NullShells", [](Set &b) { b.set.pShell = nullptr; }, 7, nullptr},
+        {"NoRecords", [](Set &b) { b.set.pShell[1].nE = 0; }, 8, "Shell[1]"},
+        {"NullRecords", [](Set &b) { b.set.pShell[1].pE = nullptr; }, 8, "Shell[1]"},
+        {"NegativeEnergy", [](Set &b) { b.rec(0, 1).E = -1; }, 9, "Shell[0].E[1].E=-1"},
+        {"EnergyBeforeSigma", [](Set &b) { b.rec(0, 1).E = -1, b.rec(0, 1).sigtot = -1; }, 9, "Shell[0].E[1].E=-1"},
+        {"NegativeSigma", [](Set &b) { b.rec(0, 1).sigtot = -1e-20; }, 10, "Shell[0].E[1].SigTot=-1E-20"},
+        {"NoGrid", [](Set &b) { b.rec(1, 0).dv1 = nullptr; }, 55, "Shell[1].E[0]"},
+        {"NoSdcs", [](Set &b) { b.rec(1, 0).dvSig1 = nullptr; }, 55, "Shell[1].E[0]"},
+        {"NoCumulation", [](Set &b) { b.rec(1, 0).dvCum1 = nullptr; }, 55, "Shell[1].E[0]"},
+        {"EmptyRecordWithoutArrays", [](Set &b) { b.rec(0, 0).n1 = 0, b.rec(0, 0).dvCum1 = nullptr; }, 55,
          "Shell[0].E[0]"},
-        {"NegativeSdcs", [](SetBuilder &b) { b.rec(0, 0).dvSig1[1] = -2; }, 56, "Shell[0].E[0].Sig1[1]=-2"},
-        {"CumulationAboveOne", [](SetBuilder &b) { b.rec(0, 0).dvCum1[1] = 1.5; }, 57, "Shell[0].E[0].Cum1[1]=1.5"},
-        {"CumulationInfinite", [](SetBuilder &b) { b.rec(0, 0).dvCum1[1] = kInf; }, 57, "Shell[0].E[0].Cum1[1]=INF"},
-        {"CumulationBelowZeroAtStart", [](SetBuilder &b) { b.rec(0, 0).dvCum1[0] = -0.1; }, 57,
+        {"NegativeSdcs", [](Set &b) { b.rec(0, 0).dvSig1[1] = -2; }, 56, "Shell[0].E[0].Sig1[1]=-2"},
+        {"CumulationAboveOne", [](Set &b) { b.rec(0, 0).dvCum1[1] = 1.5; }, 57, "Shell[0].E[0].Cum1[1]=1.5"},
+        {"CumulationInfinite", [](Set &b) { b.rec(0, 0).dvCum1[1] = kInf; }, 57, "Shell[0].E[0].Cum1[1]=INF"},
+        {"CumulationBelowZeroAtStart", [](Set &b) { b.rec(0, 0).dvCum1[0] = -0.1; }, 57,
          "Shell[0].E[0].Cum1[0]=-0.1"},
-        {"CumulationFalls", [](SetBuilder &b) { b.rec(0, 0).dvCum1[0] = 0.6, b.rec(0, 0).dvCum1[1] = 0.5; }, 57,
+        {"CumulationFalls", [](Set &b) { b.rec(0, 0).dvCum1[0] = 0.6, b.rec(0, 0).dvCum1[1] = 0.5; }, 57,
          "Shell[0].E[0].Cum1[1]=0.5 0.6"},
-        {"NoDdcsGrids", [](SetBuilder &b) { b.rec(0, 1).pdv2 = nullptr; }, 58, "Shell[0].E[1]"},
-        {"NoDdcs", [](SetBuilder &b) { b.rec(0, 1).pdvSig2 = nullptr; }, 58, "Shell[0].E[1]"},
-        {"NoDdcsCumulation", [](SetBuilder &b) { b.rec(0, 1).pdvCum2 = nullptr; }, 58, "Shell[0].E[1]"},
-        {"NoAngleCounts", [](SetBuilder &b) { b.rec(0, 1).nv2 = nullptr; }, 58, "Shell[0].E[1]"},
-        {"NoGridRow", [](SetBuilder &b) { b.rec(0, 0).pdv2[1] = nullptr; }, 58, "Shell[0].E[0].d2[1]"},
-        {"GridRowFirst", [](SetBuilder &b) { b.rec(0, 0).pdv2[0] = b.rec(0, 0).pdvSig2[0] = b.rec(0, 0).pdvCum2[0] = {}; },
+        {"NoDdcsGrids", [](Set &b) { b.rec(0, 1).pdv2 = nullptr; }, 58, "Shell[0].E[1]"},
+        {"NoDdcs", [](Set &b) { b.rec(0, 1).pdvSig2 = nullptr; }, 58, "Shell[0].E[1]"},
+        {"NoDdcsCumulation", [](Set &b) { b.rec(0, 1).pdvCum2 = nullptr; }, 58, "Shell[0].E[1]"},
+        {"NoAngleCounts", [](Set &b) { b.rec(0, 1).nv2 = nullptr; }, 58, "Shell[0].E[1]"},
+        {"NoGridRow", [](Set &b) { b.rec(0, 0).pdv2[1] = nullptr; }, 58, "Shell[0].E[0].d2[1]"},
+        {"GridRowFirst", [](Set &b) { b.rec(0, 0).pdv2[0] = b.rec(0, 0).pdvSig2[0] = b.rec(0, 0).pdvCum2[0] = {}; },
          58, "Shell[0].E[0].d2[0]"},
-        {"NoDdcsRow", [](SetBuilder &b) { b.rec(0, 0).pdvSig2[0] = nullptr; }, 58, "Shell[0].E[0].Sig2[0]"},
-        {"NoCumulationRow", [](SetBuilder &b) { b.rec(0, 0).pdvCum2[0] = nullptr; }, 58, "Shell[0].E[0].Cum2[0]"},
-        {"NegativeDdcs", [](SetBuilder &b) { b.rec(0, 0).pdvSig2[1][0] = -3; }, 59, "Shell[0].E[0].Sig2[1][0]=-3"},
-        {"DdcsCumulationRange", [](SetBuilder &b) { b.rec(0, 0).pdvCum2[0][1] = 1.25; }, 60,
+        {"NoDdcsRow", [](Set &b) { b.rec(0, 0).pdvSig2[0] = nullptr; }, 58, "Shell[0].E[0].Sig2[0]"},
+        {"NoCumulationRow", [](Set &b) { b.rec(0, 0).pdvCum2[0] = nullptr; }, 58, "Shell[0].E[0].Cum2[0]"},
+        {"NegativeDdcs", [](Set &b) { b.rec(0, 0).pdvSig2[1][0] = -3; }, 59, "Shell[0].E[0].Sig2[1][0]=-3"},
+        {"DdcsCumulationRange", [](Set &b) { b.rec(0, 0).pdvCum2[0][1] = 1.25; }, 60,
          "Shell[0].E[0].Cum2[0][1]=1.25"},
-        {"DdcsCumulationFalls", [](SetBuilder &b) { b.rec(0, 0).pdvCum2[1][0] = 0.7, b.rec(0, 0).pdvCum2[1][1] = 0.2; },
+        {"DdcsCumulationFalls", [](Set &b) { b.rec(0, 0).pdvCum2[1][0] = 0.7, b.rec(0, 0).pdvCum2[1][1] = 0.2; },
          60, "Shell[0].E[0].Cum2[1][1]=0.2 0.7"},
         // Order: point by point, record by record.
-        {"SecondLevelOfPointFirst", [](SetBuilder &b) { b.rec(0, 0).dvSig1[1] = -1, b.rec(0, 0).pdvSig2[0][0] = -1; },
+        {"SecondLevelOfPointFirst", [](Set &b) { b.rec(0, 0).dvSig1[1] = -1, b.rec(0, 0).pdvSig2[0][0] = -1; },
          59, "Shell[0].E[0].Sig2[0][0]=-1"},
-        {"EarlierShellFirst", [](SetBuilder &b) { b.rec(1, 0).E = -1, b.rec(0, 1).dvSig1[0] = -1; }, 56,
+        {"EarlierShellFirst", [](Set &b) { b.rec(1, 0).E = -1, b.rec(0, 1).dvSig1[0] = -1; }, 56,
          "Shell[0].E[1].Sig1[0]=-1"},
         // Bounds, NaNs, infinities, and what isn't looked at.
-        {"ZeroBounds", [](SetBuilder &b) { b.rec(0, 0).E = b.rec(0, 0).sigtot = b.rec(0, 0).dvCum1[0] = 0; }, 0, nullptr},
-        {"FlatCumulation", [](SetBuilder &b) { b.rec(0, 0).dvCum1[0] = 0.5, b.rec(0, 0).dvCum1[1] = 0.5; }, 0, nullptr},
+        {"ZeroBounds", [](Set &b) { b.rec(0, 0).E = b.rec(0, 0).sigtot = b.rec(0, 0).dvCum1[0] = 0; }, 0, nullptr},
+        {"FlatCumulation", [](Set &b) { b.rec(0, 0).dvCum1[0] = 0.5, b.rec(0, 0).dvCum1[1] = 0.5; }, 0, nullptr},
         {"NaNsPass",
-         [](SetBuilder &b) {
+         [](Set &b) {
              SVLKXSE &e = b.rec(0, 0);
              e.E = e.sigtot = e.dvSig1[0] = e.pdvSig2[0][0] = kNaN;
              e.pdvCum2[0][0] = 0.9, e.pdvCum2[0][1] = kNaN, e.pdvCum2[0][2] = 0.1;
          },
          0, nullptr},
-        {"InfiniteEnergyAndSigma", [](SetBuilder &b) { b.rec(0, 0).E = b.rec(0, 0).sigtot = kInf; }, 0, nullptr},
-        {"EmptyRecordWithArrays", [](SetBuilder &b) { b.rec(0, 0).n1 = 0; }, 0, nullptr},
-        {"PointWithoutAngles", [](SetBuilder &b) { b.rec(0, 0).nv2[0] = 0, b.rec(0, 0).pdvSig2[0][0] = -1; }, 0, nullptr},
-        {"GridsAreNotLookedAt", [](SetBuilder &b) { b.rec(0, 0).dv1[0] = -5, b.rec(0, 0).pdv2[0][2] = kNaN; }, 0, nullptr},
+        {"InfiniteEnergyAndSigma", [](Set &b) { b.rec(0, 0).E = b.rec(0, 0).sigtot = kInf; }, 0, nullptr},
+        {"EmptyRecordWithArrays", [](Set &b) { b.rec(0, 0).n1 = 0; }, 0, nullptr},
+        {"PointWithoutAngles", [](Set &b) { b.rec(0, 0).nv2[0] = 0, b.rec(0, 0).pdvSig2[0][0] = -1; }, 0, nullptr},
+        {"GridsAreNotLookedAt", [](Set &b) { b.rec(0, 0).dv1[0] = -5, b.rec(0, 0).pdv2[0][2] = kNaN; }, 0, nullptr},
         // The dimension decides the tables.
-        {"Dim0", [](SetBuilder &b) { b.set.dim = 0, b.rec(0, 0).dvCum1 = nullptr, b.rec(0, 0).pdv2 = nullptr; }, 0, nullptr},
-        {"DimMinus1", [](SetBuilder &b) { b.set.dim = -1, b.rec(0, 0).dvCum1[1] = 2; }, 0, nullptr},
-        {"Dim1", [](SetBuilder &b) { b.set.dim = 1, b.rec(0, 0).dvCum1[1] = 2; }, 57, "Shell[0].E[0].Cum1[1]=2"},
-        {"Dim1WithoutSecondLevel", [](SetBuilder &b) { b.set.dim = 1, b.rec(0, 0).pdvCum2 = nullptr; }, 0, nullptr},
-        {"Dim3", [](SetBuilder &b) { b.set.dim = 3, b.rec(0, 0).pdvCum2 = nullptr; }, 58, "Shell[0].E[0]"},
+        {"Dim0", [](Set &b) { b.set.dim = 0, b.rec(0, 0).dvCum1 = nullptr, b.rec(0, 0).pdv2 = nullptr; }, 0, nullptr},
+        {"DimMinus1", [](Set &b) { b.set.dim = -1, b.rec(0, 0).dvCum1[1] = 2; }, 0, nullptr},
+        {"Dim1", [](Set &b) { b.set.dim = 1, b.rec(0, 0).dvCum1[1] = 2; }, 57, "Shell[0].E[0].Cum1[1]=2"},
+        {"Dim1WithoutSecondLevel", [](Set &b) { b.set.dim = 1, b.rec(0, 0).pdvCum2 = nullptr; }, 0, nullptr},
+        {"Dim3", [](Set &b) { b.set.dim = 3, b.rec(0, 0).pdvCum2 = nullptr; }, 58, "Shell[0].E[0]"},
     };
     for (const auto &f : faults) {
         auto b = valid_set();

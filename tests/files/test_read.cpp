@@ -104,27 +104,20 @@ TEST_F(Read, CarriageReturnsCaseAndSeparators) {
 // energy above it, a misplaced line before a bad data line.
 TEST_F(Read, Failures) {
     const struct { std::string content; int32_t code, line; const char *text; /* null: no line current */ } rows[] = {
-        {"", 48, 0, nullptr},
-        {"# a\n\n   \n#b\n", 48, 0, nullptr},
-        {kHead0, 48, 0, nullptr},
-        {"1 2\n", 39, 1, "1 2"},
+        {"", 48, 0, nullptr}, {"# a\n\n   \n#b\n", 48, 0, nullptr}, {kHead0, 48, 0, nullptr}, {"1 2\n", 39, 1, "1 2"},
         {"!filetype xs i,t\n!filetype xs i,t\n", 39, 2, "!filetype xs i,t"},
         {"!fileversion 1\n", 39, 1, "!fileversion 1"},
         {"!filetype xs i,t\n!fileversion 1\n!target H2O\n!target H2O\n", 39, 4, "!target H2O"},
-        {"!filetype xx i,t\n", 42, 1, "!filetype xx i,t"},
-        {"!filetype xs i\n", 42, 1, "!filetype xs i"},
-        {"!filetype xs z,t\n", 20, 1, "!filetype xs z,t"},
-        {"!filetype xs i,S\n", 21, 1, "!filetype xs i,S"},
+        {"!filetype xx i,t\n", 42, 1, "!filetype xx i,t"}, {"!filetype xs i\n", 42, 1, "!filetype xs i"},
+        {"!filetype xs z,t\n", 20, 1, "!filetype xs z,t"}, {"!filetype xs i,S\n", 21, 1, "!filetype xs i,S"},
         {"!filetype xs i,t\n!fileversion\n", 43, 2, "!fileversion"},
         {"!filetype xs i,t\n!fileversion   \n", 44, 2, "!fileversion   "},
         {"!filetype xs i,t\n!fileversion 1.5\n", 44, 2, "!fileversion 1.5"},
         {"!filetype xs i,t\n!fileversion 1\n!target Unobtainium\n", 45, 3, "!target Unobtainium"},
         {"!filetype xs i,t\n!fileversion 1\n!target H2O\n!projectile q\n", 46, 4, "!projectile q"},
-        {kHead0 + "!shell abc\n", 44, 5, "!shell abc"},
-        {kHead0 + "!shell -1\n", 47, 5, "!shell -1"},
+        {kHead0 + "!shell abc\n", 44, 5, "!shell abc"}, {kHead0 + "!shell -1\n", 47, 5, "!shell -1"},
         {kHead0 + "!shell 1\n1 2\n!shell 1\n3 4\n", 52, 7, "!shell 1"},
-        {kHead0 + "!shell 1\n!eproj 1\n", 39, 6, "!eproj 1"},
-        {kHead1 + "!shell 1\n!eproj abc\n", 39, 6, "!eproj abc"},
+        {kHead0 + "!shell 1\n!eproj 1\n", 39, 6, "!eproj 1"}, {kHead1 + "!shell 1\n!eproj abc\n", 39, 6, "!eproj abc"},
         {kHead1 + "!shell 1\n!eproj -1\n", 49, 6, "!eproj -1"},
         {kHead1 + "!shell 1\n!eproj 1000\n1 2\n!eproj 1E+03\n1 2\n", 53, 8, "!eproj 1E+03"},
         {kHead1 + "!shell 1\n!eproj 1\n!esec 1\n", 39, 7, "!esec 1"},
@@ -133,10 +126,8 @@ TEST_F(Read, Failures) {
         {kHead2 + "!shell 1\n!eproj 1\n!esec -0.5\n", 50, 7, "!esec -0.5"},
         {kHead2 + "!shell 1\n!eproj 1\n!esec 2\n1 2\n!esec 2.0\n1 2\n", 54, 9, "!esec 2.0"},
         {kHead2 + "!shell 1\n!eproj 1\n!esec 2\n!shell 2\n", 39, 8, "!shell 2"},
-        {kHead1 + "!shell 1\n1 2\n", 39, 6, "1 2"},
-        {kHead0 + "!shell 1\nabc def\n", 39, 6, "abc def"},
-        {kHead0 + "!shell 1\n1\n", 41, 6, "1"},
-        {kHead0 + "!shell 1\n1 -2\n", 51, 6, "1 -2"},
+        {kHead1 + "!shell 1\n1 2\n", 39, 6, "1 2"}, {kHead0 + "!shell 1\nabc def\n", 39, 6, "abc def"},
+        {kHead0 + "!shell 1\n1\n", 41, 6, "1"}, {kHead0 + "!shell 1\n1 -2\n", 51, 6, "1 -2"},
         {kHead0 + "!shell 1\n1 2\n3 4\n5 6\n7 -8\n9 10\n", 51, 9, "7 -8"},
         {kHead1 + "!shell 1\n!eproj 1\n-1 2 -0.1\n", 51, 7, "-1 2 -0.1"},
         {kHead0 + "!shell 1\n1 2\n\t\t\n", 39, 7, "\t\t"},
@@ -144,11 +135,9 @@ TEST_F(Read, Failures) {
         {kHead0 + "!shell 1\n1\n!eproj 3\n", 39, 7, "!eproj 3"},
         // Misplaced lines; a tag matched by its beginning.
         {"!filetype xs i,t\n!fileversion 1\n!target H2O\n!filedate\n!projectile e\n", 39, 5, "!projectile e"},
-        {kHead0 + "!filedate\n", 39, 5, "!filedate"},
-        {kHead0 + "\t!shell 1\n", 39, 5, "\t!shell 1"},
+        {kHead0 + "!filedate\n", 39, 5, "!filedate"}, {kHead0 + "\t!shell 1\n", 39, 5, "\t!shell 1"},
         {kHead2 + "!shell 1\n!eproj 1\n!esec 1\n!eproj 2\n", 39, 8, "!eproj 2"},
-        {kHead2 + "!shell 1\n!eproj 1\n1 2\n", 39, 7, "1 2"},
-        {"!filetypes xs i,t\n", 42, 1, "!filetypes xs i,t"},
+        {kHead2 + "!shell 1\n!eproj 1\n1 2\n", 39, 7, "1 2"}, {"!filetypes xs i,t\n", 42, 1, "!filetypes xs i,t"},
     };
     for (const auto &r : rows) {
         SCOPED_TRACE(r.content);
@@ -213,14 +202,18 @@ TEST_F(Read, Successes) {
                     e.nv2[1] == 1 && none.n1 == 0 && none.dv1 == nullptr;
          }},
         {kHead1 + "!shell 1\n!eproj 1\n1 2\n!comment\n2 3\nnot even numbers\n!eproj 2\n5 6\n", 4, "",
-         [](const SVLKXS &x) { return x.pShell[0].pE[0].n1 == 1 && x.pShell[0].pE[1].n1 == 1 && x.pShell[0].pE[1].dv1[0] == 5; }},
+         [](const SVLKXS &x) {
+             return x.pShell[0].pE[0].n1 == 1 && x.pShell[0].pE[1].n1 == 1 && x.pShell[0].pE[1].dv1[0] == 5;
+         }},
         {kHead0 + "!Shell2\n0 0\n0 0\n!SHELL 0\n5 1\n", 0, "",
          [](const SVLKXS &x) { return x.pShell[0].shell == 2 && x.pShell[0].nE == 2 && x.pShell[1].pE[0].km == 0; }},
         {kHead1 + "!shell 0\n!eproj 1000\n-1 0\n!eproj 1000.0001\n-1 1\n!shell 1\n!eproj 1000 3\n0 0 0\n", 0, "",
-         [](const SVLKXS &x) { return x.pShell[0].pE[0].km == 0 && x.pShell[1].pE[0].km == 0 && x.pShell[0].pE[0].dv1[0] == -1; }},
+         [](const SVLKXS &x) {
+             return x.pShell[0].pE[0].km == 0 && x.pShell[1].pE[0].km == 0 && x.pShell[0].pE[0].dv1[0] == -1;
+         }},
         {"!filetype xs x,t\n!fileversion -7\n!filedate\n!target H2O\n!filedate a\n!filedate b\n!target He\n"
          "!projectile e+\n!shell 1\n1 2\n", 0, "",
-         [](const SVLKXS &x) { return std::strcmp(x.targ.name, "He") == 0 && x.IA == 3 && x.proj.type == VLKPROJ_POSITRON; }},
+         [](const SVLKXS &x) { return !std::strcmp(x.targ.name, "He") && x.IA == 3 && x.proj.type == 4; }},
     };
     for (const auto &r : rows) {
         const SCMDSTATUS s = read_text(r.content, kQuiet);
