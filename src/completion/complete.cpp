@@ -173,8 +173,8 @@ public:
     Pass(SVLKXS &set, int32_t entry) : set_(set), entry_(entry) {}
 
     int32_t run() {
-        for (int32_t i = 0; i < entry_; ++i) {
-            SVLKXSSH &sh = set_.pShell[i];
+        // The shells present at entry; a missing record array stops the pass.
+        for (SVLKXSSH &sh : vlk::shells(set_).first(vlk::count_of(entry_))) {
             if (sh.pE == nullptr) return VLKXS_C_BADADDR;
             for (int32_t j = 0; j < sh.nE; ++j)
                 if (const int32_t code = derive(sh, j); code != VLKXS_C_OK) return code;
