@@ -211,9 +211,6 @@ TEST(Companions, SharedRules) {
     refusals(kTarg);
     duplicates(kProj);
     duplicates(kTarg);
-}
-
-TEST(Companions, AllocationFaults) {
     allocation_faults(kProj);
     allocation_faults(kTarg);
 }

@@ -65,12 +65,10 @@ TEST(Complete, Kinematics) {
         e.gamma = 7;
         e.WNorm = 4;
         ASSERT_EQ(complete(b).code, 0);
-        EXPECT_PRED2(close, e.gamma, r.gamma);
-        EXPECT_PRED2(close, e.beta2, r.beta2);
-        EXPECT_PRED2(close, e.Escal, r.Escal);
-        EXPECT_PRED2(close, e.WNorm, r.WNorm);
-        EXPECT_PRED2(close, e.scaled, e.sigtot * r.beta2);
-        EXPECT_PRED2(close, e.dv1[1], r.WNorm == 0 ? 3 : 3 / r.WNorm);
+        for (const auto &[got, want] : {std::pair{e.gamma, r.gamma}, {e.beta2, r.beta2}, {e.Escal, r.Escal},
+                                        {e.WNorm, r.WNorm}, {e.scaled, e.sigtot * r.beta2},
+                                        {e.dv1[1], r.WNorm == 0 ? 3 : 3 / r.WNorm}})
+            EXPECT_PRED2(close, got, want);
     }
 }
 
@@ -151,11 +149,9 @@ TEST(Complete, SingleDifferentialSumShell) {
     ASSERT_EQ(complete(b).code, 0);
     const SVLKXSE &a = b.rec(0, 0), &c = b.rec(1, 0), &s = b.set.pShell[2].pE[0];
     EXPECT_TRUE(a.sigtot == 3 && c.sigtot == 4 && s.sigtot == 7);
-    EXPECT_EQ(Row(a.dvCum1, a.dvCum1 + 3), (Row{0, 1.0 / 3, 1}));
-    EXPECT_EQ(Row(c.dvCum1, c.dvCum1 + 3), (Row{0, 0.5, 1}));
-    EXPECT_EQ(Row(s.dvCum1, s.dvCum1 + 3), (Row{0, 3 * (1.0 / 7), 1}));
-    EXPECT_EQ(Row(s.dvSig1, s.dvSig1 + 3), (Row{0, 6, 2}));
-    EXPECT_EQ(Row(s.dv1, s.dv1 + 3), (Row{0, 1, 2}));
+    for (const auto &[got, want] : {std::pair{a.dvCum1, Row{0, 1.0 / 3, 1}}, {c.dvCum1, Row{0, 0.5, 1}},
+                                    {s.dvCum1, Row{0, 3 * (1.0 / 7), 1}}, {s.dvSig1, Row{0, 6, 2}}, {s.dv1, Row{0, 1, 2}}})
+        EXPECT_EQ(Row(got, got + 3), want);
     // Ekin: first moments 4/3 and 1, mean (4 + 4) / 7; km from water's rows.
     EXPECT_DOUBLE_EQ(a.Ekin, 4.0 / 3);
     EXPECT_DOUBLE_EQ(s.Ekin, 8.0 / 7);

@@ -213,7 +213,9 @@ TEST_F(Read, Successes) {
          }},
         {"!filetype xs x,t\n!fileversion -7\n!filedate\n!target H2O\n!filedate a\n!filedate b\n!target He\n"
          "!projectile e+\n!shell 1\n1 2\n", 0, "",
-         [](const SVLKXS &x) { return !std::strcmp(x.targ.name, "He") && x.IA == 3 && x.proj.type == 4; }},
+         [](const SVLKXS &x) {
+             return !std::strcmp(x.targ.name, "He") && x.IA == 3 && x.proj.type == VLKPROJ_POSITRON;
+         }},
     };
     for (const auto &r : rows) {
         const SCMDSTATUS s = read_text(r.content, kQuiet);
@@ -222,15 +224,6 @@ TEST_F(Read, Successes) {
         EXPECT_NE(err.find(r.where), std::string::npos) << r.content << err;
         EXPECT_TRUE(r.check == nullptr || r.check(set)) << r.content;
     }
-}
-
-// One state line for each pass of each line.
-TEST_F(Read, TraceLines) {
-    ASSERT_EQ(read_text(kHead0 + "!shell 1\n1 2\n", VLKXS_MODE_TRACE).code, 0);
-    EXPECT_TRUE(err.starts_with("<D> vlkxs(Read).....\n")) << err;
-    EXPECT_NE(err.find("<D> strdup(" + path_ + ")...\n"), std::string::npos) << err;
-    EXPECT_TRUE(count_lines(err, "<D> 0 0 => 1") == 3 && count_lines(err, "<D> data: 9 6 => 10") == 3) << err;
-    EXPECT_NE(err.find("<D> vlkxs(Read) done\n"), std::string::npos) << err;
 }
 
 // A failed allocation (in a companion: a bad target or projectile) leaves

@@ -200,12 +200,10 @@ TEST(Lifecycle, FreeWalksEveryDepthOfARaggedSet) {
 
 TEST(Lifecycle, FreeReleasesShellArrayWithoutCount) {
     for (const int32_t count : {0, -3}) {
-        SVLKXS set;
-        VLKXSInit(&set, 0);
-        set.pShell = static_cast<SVLKXSSH *>(std::calloc(2, sizeof(SVLKXSSH)));
-        set.nShell = count;
-        EXPECT_EQ(VLKXSFree(&set, 0).code, 0);
-        EXPECT_EQ(set.pShell, nullptr);
+        SetBuilder b(0);
+        b.add_shell(1, 0, false);
+        b.hand_over()->nShell = count;
+        EXPECT_TRUE(VLKXSFree(&b.set, 0).code == 0 && b.set.pShell == nullptr) << count;
     }
 }
 
@@ -244,15 +242,12 @@ TEST(Lifecycle, SpaceCountsWhatIsThere) {
 
 // Enable and Disable move the one bit and leave the others.
 TEST(Lifecycle, EnableAndDisableMoveOneBit) {
-    SVLKXS set;
-    VLKXSInit(&set, 0);
-    set.flag = 5;
-    EXPECT_TRUE(VLKXSEnable(&set, 0).code == 0 && set.flag == 7 && VLKXSEnable(&set, 0).code == 0 && set.flag == 7);
-    set.flag = 0xffffffffu;
-    EXPECT_TRUE(VLKXSDisable(&set, 0).code == 0 && set.flag == 0xfffffffdu);
-    EXPECT_TRUE(VLKXSDisable(&set, 0).code == 0 && set.flag == 0xfffffffdu);
-    set.flag = 0;
-    VLKXSFree(&set, 0);
+    SetBuilder b(0);
+    for (const auto &[before, enable, after] :
+         {std::tuple{5u, true, 7u}, {7u, true, 7u}, {~0u, false, ~2u}, {~2u, false, ~2u}, {2u, false, 0u}}) {
+        b.set.flag = before;
+        EXPECT_TRUE((enable ? VLKXSEnable(&b.set, 0) : VLKXSDisable(&b.set, 0)).code == 0 && b.set.flag == after);
+    }
 }
 
 }  // namespace

@@ -32,36 +32,27 @@ public:
     SetBuilder(const SetBuilder &) = delete;
     SetBuilder &operator=(const SetBuilder &) = delete;
 
-    // Appends a shell of the given number with nE zero-filled records, or
-    // with a null pE if `records` is false.
+    // Appends a shell with nE zero-filled records, or a null pE.
     SVLKXSSH &add_shell(int32_t number, int32_t nE, bool records = true) {
         const std::size_t n = static_cast<std::size_t>(set.nShell);
-        auto *grown = static_cast<SVLKXSSH *>(block(n + 1, sizeof(SVLKXSSH)));
+        SVLKXSSH *grown = block<SVLKXSSH>(n + 1);
         if (n > 0) std::memcpy(grown, set.pShell, n * sizeof(SVLKXSSH));
         blocks_.erase(set.pShell);
         std::free(set.pShell);
         set.pShell = grown;
-        set.nShell += 1;
-        SVLKXSSH &sh = set.pShell[n];
+        SVLKXSSH &sh = set.pShell[set.nShell++];
         sh.shell = number;
         sh.nE = nE;
-        if (records) sh.pE = static_cast<SVLKXSE *>(block(static_cast<std::size_t>(nE > 0 ? nE : 0), sizeof(SVLKXSE)));
+        if (records) sh.pE = block<SVLKXSE>(static_cast<std::size_t>(nE > 0 ? nE : 0));
         return sh;
     }
     SVLKXSE &rec(int32_t i, int32_t j) { return set.pShell[i].pE[j]; }
 
     // A copy of `v` in a calloc block; null for an empty row.
-    double *doubles(const Row &v) {
-        if (v.empty()) return nullptr;
-        return static_cast<double *>(std::memcpy(block(v.size(), sizeof(double)), v.data(), v.size() * sizeof(double)));
-    }
+    double *doubles(const Row &v) { return v.empty() ? nullptr : copy(v); }
     // A copy of `v`, or a zero-filled table of n row pointers.
-    int32_t *ints(const std::vector<int32_t> &v) {
-        auto *p = static_cast<int32_t *>(block(v.size(), sizeof(int32_t)));
-        if (!v.empty()) std::memcpy(p, v.data(), v.size() * sizeof(int32_t));
-        return p;
-    }
-    double **rows(std::size_t n) { return static_cast<double **>(block(n, sizeof(double *))); }
+    int32_t *ints(const std::vector<int32_t> &v) { return copy(v); }
+    double **rows(std::size_t n) { return block<double *>(n); }
     // First level: grid, differential and cumulated values (empty: null).
     void sdcs(SVLKXSE &e, const Row &grid, const Row &sig, const Row &cum = {}) {
         e.n1 = static_cast<int32_t>(grid.size());
@@ -98,10 +89,17 @@ public:
     SVLKXS set{};
 
 private:
-    void *block(std::size_t count, std::size_t size) {
-        void *p = std::calloc(count > 0 ? count : 1, size);
+    template <class T>
+    T *block(std::size_t count) {
+        void *p = std::calloc(count > 0 ? count : 1, sizeof(T));
         if (p == nullptr) throw std::bad_alloc();
         if (!handed_) blocks_.insert(p);
+        return static_cast<T *>(p);
+    }
+    template <class T>
+    T *copy(const std::vector<T> &v) {
+        T *p = block<T>(v.size());
+        if (!v.empty()) std::memcpy(p, v.data(), v.size() * sizeof(T));
         return p;
     }
     std::set<void *> blocks_;
