@@ -45,17 +45,15 @@ TEST(Frame, TraceLines) {
 // set, code 2 is reported as the row says, loud and quiet, and the record
 // has the message exactly when reported.
 TEST(Frame, SuccessRecordAndReportRule) {
-    const struct { const char *origin; std::function<SCMDSTATUS(SVLKXS *, int32_t)> call; int loud, quiet; } ops[] = {
-        {"vlkxs(Init)", [](SVLKXS *s, int32_t m) { return VLKXSInit(s, m); }, 0, 0},
-        {"vlkxs(Space)", [](SVLKXS *s, int32_t m) { return VLKXSSpace(s, m); }, 1, 0},
-        {"vlkxs(Enable)", [](SVLKXS *s, int32_t m) { return VLKXSEnable(s, m); }, 1, 1},
-        {"vlkxs(Disable)", [](SVLKXS *s, int32_t m) { return VLKXSDisable(s, m); }, 1, 1},
-        {"vlkxs(StrFromIADim)", [](SVLKXS *s, int32_t m) { return VLKXSStrFromIADim(s, m); }, 1, 1},
+    using Op = SCMDSTATUS (*)(SVLKXS *, int32_t);
+    const struct { const char *origin; Op call; int loud, quiet; } ops[] = {
+        {"vlkxs(Init)", VLKXSInit, 0, 0},         {"vlkxs(Space)", VLKXSSpace, 1, 0},
+        {"vlkxs(Enable)", VLKXSEnable, 1, 1},     {"vlkxs(Disable)", VLKXSDisable, 1, 1},
+        {"vlkxs(StrFromIADim)", VLKXSStrFromIADim, 1, 1},
         {"vlkxs(IADimFromFromStr)", [](SVLKXS *s, int32_t m) { return VLKXSIADimFromStr(s, "d", m); }, 1, 1},
-        {"vlkxs(StrFromIAType)", [](SVLKXS *s, int32_t m) { return VLKXSStrFromIAType(s, m); }, 1, 1},
-        {"vlkxs(ColFromIAType)", [](SVLKXS *s, int32_t m) { return VLKXSColFromIAType(s, m); }, 1, 1},
+        {"vlkxs(StrFromIAType)", VLKXSStrFromIAType, 1, 1}, {"vlkxs(ColFromIAType)", VLKXSColFromIAType, 1, 1},
         {"vlkxs(IATypeFromStr)", [](SVLKXS *s, int32_t m) { return VLKXSIATypeFromStr(s, "i", m); }, 1, 1},
-        {"vlkxs(Free)", [](SVLKXS *s, int32_t m) { return VLKXSFree(s, m); }, 0, 0},
+        {"vlkxs(Free)", VLKXSFree, 0, 0},
     };
     SVLKXS set;
     VLKXSInit(&set, 0);
