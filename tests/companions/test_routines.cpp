@@ -97,9 +97,8 @@ TEST(Number, VectorsInCountedText) {
     }
 }
 
-// Items: cut at commas and blanks (a comma between blanks is one cut), the
-// text unchanged, negative without any.  Words: the items that aren't
-// empty, split in place, at most `max`.
+// Items: cut at commas and blanks (a comma between blanks is one cut), text
+// unchanged, negative without any.  Words: the non-empty items, at most max.
 TEST(Text, ItemsAndWords) {
     const std::pair<const char *, Words> rows[] = {
         {"1,2,3", {"1", "2", "3"}}, {"1, 2, 3", {"1", "2", "3"}}, {"1 2 3", {"1", "2", "3"}}, {"1\t2", {"1", "2"}},
@@ -221,10 +220,8 @@ TEST(NumberWriteG, SmallBuffers) {
     EXPECT_EQ(vlk::write_g(std::span<char>{}, 1.0), 0u);
 }
 
-// The running integral follows the grid; one point stands for a flat value
-// over a cosine range of 2; nothing written beyond n; strides in elements.
-// The first moment is the mean of x weighted by y (0 without an integral).
-// Scaling touches n elements, in place or not.
+// The running integral follows the grid, one point flat over a cosine range
+// of 2, nothing beyond n; the first moment (0 without an integral); scaling.
 TEST(Vectors, IntegralsAndScaling) {
     const struct { V x, y, cum; } rows[] = {{{-1, 0, 1}, {1, 2, 1}, {0, 1.5, 3}},
                                             {{1, 0, -1}, {1, 2, 1}, {0, -1.5, -3}},
@@ -256,8 +253,7 @@ TEST(Vectors, IntegralsAndScaling) {
     EXPECT_EQ(out, (V{-1, -3}));
 }
 
-// As std::sort has them, in place, with many equal values; NaNs go last,
-// and other lists follow.
+// As std::sort has them, in place; NaNs last; other lists follow.
 TEST(Vectors, Sort) {
     std::mt19937_64 rng(42);
     std::uniform_int_distribution<int> value(-1000, 1000);
@@ -315,9 +311,8 @@ void open_and_read(FileMem &fm, const std::string &path) {
     EXPECT_EQ(fm.fp, nullptr) << "Read closes the stream";
 }
 
-// Line ends of every kind, lone "\r", 0 bytes, empty lines, then random
-// contents, against the plain reading; a second pass gives the same
-// pointers, and the text behind them is still the line.
+// Edge cases, then random contents, against the plain reading; a second
+// pass gives the same pointers, the text behind them still the line.
 TEST(FileMem, LinesAsThePlainReading) {
     std::vector<std::string> contents = {
         "a\nbb\nccc\n", "a\r\nbb\r\n", "a\r\nb\nc\r\nd", "a\nb", "a\r\nb", "xs i,t", "\n\na\n\n", "\r\n\r\na\r\n",

@@ -127,8 +127,8 @@ TEST(IsValid, ReportsUnlessQuiet) {
     EXPECT_STREQ(s.item, "Shell[0].E[1].SigTot=-1E-20");
 }
 
-// Each shell's bit from its grids, compared exactly (an empty row: no dv1);
-// no records: no; other bits stay; `limit` unused.  Failures as reported.
+// Each shell's bit from its grids, compared exactly (empty row: no dv1); no
+// records: no; other bits stay; `limit` unused.  Failures reported.
 TEST(IsEquivW, GridsComparedExactly) {
     const std::pair<std::vector<Row>, bool> rows[] = {
         {{{1, 2, 3}, {1, 2, 3}, {1, 2, 3}}, true}, {{{7}}, true},           {{{1, 2, 3}, {1, 2, 3}, {1, 2}}, false},

@@ -68,8 +68,7 @@ TEST_F(Read, TotalCrossSections) {
     EXPECT_EQ(e[0].at.line, 0);
 }
 
-// The third column of a single differential table is never stored; dvSig1
-// of a double differential one is left to the completion.
+// A single differential third column isn't stored; dvSig1 of dim 2 is left.
 TEST_F(Read, DifferentialFiles) {
     ASSERT_EQ(read_path(data_file("e.H2O.is.xs")).code, 0) << err;
     ASSERT_TRUE(set.dim == 1 && set.nShell == 2 && set.pShell[0].nE == 2);
@@ -99,9 +98,8 @@ TEST_F(Read, CarriageReturnsCaseAndSeparators) {
     EXPECT_EQ(set.pShell[1].pE[0].n1, 1);
 }
 
-// Each failure with its code, line and text, not reported when quiet, the
-// set left empty.  Errors come by pass: a repeated shell before a repeated
-// energy above it, a misplaced line before a bad data line.
+// Each failure with code, line and text, quiet, the set left empty.  Errors
+// come by pass, not by line (the two last rows).
 TEST_F(Read, Failures) {
     const struct { std::string content; int32_t code, line; const char *text; /* null: no line current */ } rows[] = {
         {"", 48, 0, nullptr}, {"# a\n\n   \n#b\n", 48, 0, nullptr}, {kHead0, 48, 0, nullptr}, {"1 2\n", 39, 1, "1 2"},
@@ -154,8 +152,7 @@ TEST_F(Read, Failures) {
     }
 }
 
-// A failure is reported once, with its place; a bad interaction word also by
-// the conversion, and by it alone when quiet.
+// Reported once with its place; a bad interaction word by the conversion too.
 TEST_F(Read, FailureReports) {
     const SCMDSTATUS s = read_text(kHead0 + "!shell 1\n1\n");
     EXPECT_EQ(s.code, 41);
@@ -180,9 +177,8 @@ TEST_F(Read, MissingFileAndNullArguments) {
     EXPECT_TRUE(empty());
 }
 
-// Reads that succeed: unknown tags and empty sections warned of even when
-// quiet; empty sections keep counts and null arrays; an unknown tag hides
-// the rest of its section; values and header lines that pass.
+// Successes: unknown tags and empty sections warned of even when quiet, the
+// rest of a section hidden by an unknown tag; values and headers that pass.
 TEST_F(Read, Successes) {
     using Check = bool (*)(const SVLKXS &);
     const struct { std::string content; int warnings; const char *where; Check check; } rows[] = {
@@ -226,8 +222,7 @@ TEST_F(Read, Successes) {
     }
 }
 
-// A failed allocation (in a companion: a bad target or projectile) leaves
-// the set empty.
+// A failed allocation (in a companion: bad target or projectile): empty set.
 TEST_F(Read, EveryAllocationFailureEndsCleanly) {
     for (const char *name : {"e.H2O.it.xs", "e.H2O.is.xs", "p.H2O.id.xs"}) {
         const int failures = vlktest::fault_loop(

@@ -1,6 +1,5 @@
-// The frame of every operation, the message table, the tags, and the life
-// cycle of sets of every shape (under the sanitizers: no leak, no double
-// release).
+// The frame of every operation, messages, tags, and the life cycle of sets
+// of every shape (under the sanitizers: no leak, no double release).
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -30,8 +29,7 @@ TEST(Frame, TraceLines) {
     SVLKXS set;
     EXPECT_EQ(err_of([&] { VLKXSInit(&set, 0); }), "") << "nothing without the bit";
     EXPECT_EQ(err_of([&] { VLKXSEnable(&set, kTrace); }), "<D> vlkxs(Enable).....\n<D> vlkxs(Enable) done\n");
-    // A report comes inside the operation's trace lines, framed by those of
-    // VLKXSError; a null record prints only the latter.
+    // A report comes inside the trace lines of the operation and of Error.
     const std::string out = err_of([] { VLKXSDisable(nullptr, kTrace); });
     EXPECT_TRUE(out.starts_with("<D> vlkxs(Disable).....\n<D> vlkxs(Error).....\n"
                                 "<E> vlkxs(Disable): bad address (code 2)\n"))
@@ -95,8 +93,7 @@ TEST(Error, MessageOfEachCodeAndOutsideTheTable) {
     }
 }
 
-// The mark follows the top bits of level; file, line, text (by its length)
-// and item (by its length) follow where present.
+// The mark follows level; file, line, text and item (by length) follow.
 TEST(Error, SeverityMarkAndLocationLines) {
     SCMDSTATUS s{VLKXS_C_R_UNKNOWNTAG, VLKXS_LEVEL_WARNING, "a.xs", 7, "Shell[0]xyz", 8, "!bogus 1 2", 6, -1,
                  "vlkxs(Read)", nullptr};
@@ -107,10 +104,9 @@ TEST(Error, SeverityMarkAndLocationLines) {
     EXPECT_EQ(err_of([&] { VLKXSError(&s, 0); }), "<I> vlkxs(Read): read: unknown tag (code 38)\n");
 }
 
-// Numbers to tags, every row and beyond.  A dimension word counts by its
-// first character, exact case; an interaction word skips leading blanks and
-// its second letter gives dimmask.  Failures change nothing and are reported
-// even when quiet.
+// Numbers to tags and back: a dimension word by its first character; an
+// interaction word after blanks, its second letter giving dimmask.  Failures
+// change nothing and are reported even when quiet.
 TEST(Tags, BothDirections) {
     SVLKXS set;
     VLKXSInit(&set, 0);
@@ -157,8 +153,7 @@ TEST(Tags, BothDirections) {
 
 using Rows = std::vector<Row>;
 
-// A dim 2 record of two points with 3 and 4 angles; `cum` adds the
-// cumulated tables of a completed set.
+// Two points with 3 and 4 angles; `cum` adds the cumulated tables.
 void dd_record(SetBuilder &b, SVLKXSE &e, bool cum) {
     b.ddcs(e, {1, 2}, {Row(3), Row(4)}, {Row(3), Row(4)}, cum ? Rows{Row(3), Row(4)} : Rows{}, Row(2));
     if (cum) e.dvCum1 = b.doubles(Row(2));
@@ -205,8 +200,7 @@ TEST(Lifecycle, FreeReleasesShellArrayWithoutCount) {
     }
 }
 
-// A shallow set (and its companions) releases nothing; the source keeps
-// everything, and the builder releases it once.
+// A shallow set releases nothing; the source keeps everything.
 TEST(Lifecycle, FreeOfShallowSetLeavesTheSourceAlone) {
     SetBuilder b(2);
     SVLKXS &source = ragged(b);
@@ -222,9 +216,8 @@ TEST(Lifecycle, FreeOfShallowSetLeavesTheSourceAlone) {
     EXPECT_STREQ(source.targ.name, "H2O");
 }
 
-// Space: the record, companions' texts and shell rows (owned or borrowed),
-// the path, shells, records, and arrays present, rows by count (none
-// without nv2).
+// Space: the record, companions' texts and rows (owned or borrowed), the
+// path, shells, records and arrays present, rows by count (none without nv2).
 TEST(Lifecycle, SpaceCountsWhatIsThere) {
     SetBuilder empty(0), test(0), b(2);
     VLKXSInit(&empty.set, 0);

@@ -1,6 +1,6 @@
-// The allocation fault loop: an operation is run again and again with its
-// n-th allocation failing, n = 1, 2, ..., until it succeeds, so that every
-// clean-up path after a failed allocation runs once under the sanitizers.
+// The allocation fault loop: an operation runs with its n-th allocation
+// failing, n = 1, 2, ..., until it succeeds, so that every clean-up path
+// runs under the sanitizers.
 #pragma once
 
 #include <gtest/gtest.h>
