@@ -175,15 +175,11 @@ std::vector<double> g_values() {
         v.insert(v.end(), {p, std::nextafter(p, 0.0), std::nextafter(p, kInf), -p * 9.999995, p * 0.9999995});
     }
     std::mt19937_64 rng(0x5eed5eedULL);
+    std::uniform_int_distribution<long> mantissa(100000, 999999), exponent(-336, 304);
     for (int i = 0; i < 300000; ++i) {
-        const std::uint64_t bits = rng();
-        v.push_back(std::bit_cast<double>(bits));
-    }
-    std::uniform_int_distribution<long> mantissa(100000, 999999);
-    std::uniform_int_distribution<int> exponent(-336, 304);
-    for (int i = 0; i < 50000; ++i) {
-        const std::string s = std::to_string(mantissa(rng) * 10 + 5) + "e" + std::to_string(exponent(rng));
-        v.push_back(std::strtod(s.c_str(), nullptr));
+        v.push_back(std::bit_cast<double>(rng()));
+        const std::string decimal = std::to_string(mantissa(rng) * 10 + 5) + "e" + std::to_string(exponent(rng));
+        v.push_back(std::strtod(decimal.c_str(), nullptr));
     }
     return v;
 }
