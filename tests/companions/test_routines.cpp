@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <optional>
 #include <random>
@@ -256,8 +257,8 @@ TEST(Vectors, Sort) {
     for (int n : {1, 2, 3, 17, 1000, 5000}) {
         V v(static_cast<std::size_t>(n));
         for (auto &d : v) d = value(rng) / 8.0;
-        if (n > 2) v[1] = DBL_MAX;
-        if (n > 2) v[2] = -DBL_MAX;
+        v.front() = DBL_MAX;
+        v.back() = -DBL_MAX;
         V expected = v;
         std::sort(expected.begin(), expected.end());
         double *p = v.data();
