@@ -19,7 +19,7 @@
 // records, "!esec" tables), whose cost is that of the reader's checks for
 // duplicate sections, and prints each timing as soon as it is known.
 //
-//   bench_parse [--runs R] [--hostile N] [--skip-hostile]
+//   bench_parse [--runs R] [--reps K] [--hostile N] [--skip-hostile]
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -154,15 +154,23 @@ struct Shape {
     }
 };
 
-void compare(const Shape &s, int runs) {
+// User time is sampled by the kernel's clock ticks, a few milliseconds
+// apart: each figure is the mean over `reps` calls in a row, so that one
+// sample spans enough ticks to be steady.
+void compare(const Shape &s, int runs, int reps) {
     const auto [path, lines] = vlkbench::make_file(s.dim, s.shells, s.energies, s.points, s.rows, g_dir);
     Columns c(static_cast<std::size_t>(lines), s.tags());
     std::vector<double> bu, bw, ru, rw;
     for (int r = 0; r < runs; ++r) {
-        std::size_t rows = 0;
-        const Times b = timed([&] { rows = bare_pass(path, c); });
-        if (rows != static_cast<std::size_t>(lines)) die("bare pass miscounted " + path);
-        const Times t = read_file(path);
+        Times b{0, 0}, t{0, 0};
+        for (int k = 0; k < reps; ++k) {
+            std::size_t rows = 0;
+            const Times one = timed([&] { rows = bare_pass(path, c); });
+            if (rows != static_cast<std::size_t>(lines)) die("bare pass miscounted " + path);
+            const Times other = read_file(path);
+            b.user_ms += one.user_ms / reps, b.wall_ms += one.wall_ms / reps;
+            t.user_ms += other.user_ms / reps, t.wall_ms += other.wall_ms / reps;
+        }
         bu.push_back(b.user_ms), bw.push_back(b.wall_ms), ru.push_back(t.user_ms), rw.push_back(t.wall_ms);
     }
     const double mb = static_cast<double>(fs::file_size(path)) / 1e6;
@@ -192,7 +200,7 @@ int number_arg(const char *text) {
 }  // namespace
 
 int main(int argc, char **argv) {
-    int runs = 5, hostile = 200000;
+    int runs = 5, reps = 3, hostile = 200000;
     for (int i = 1; i < argc; ++i) {
         const std::string_view a = argv[i];
         if (a == "--skip-hostile") {
@@ -201,8 +209,10 @@ int main(int argc, char **argv) {
             hostile = number_arg(argv[++i]);
         } else if (a == "--runs" && i + 1 < argc) {
             runs = number_arg(argv[++i]);
+        } else if (a == "--reps" && i + 1 < argc) {
+            reps = number_arg(argv[++i]);
         } else {
-            die("usage: bench_parse [--runs R] [--hostile N] [--skip-hostile]");
+            die("usage: bench_parse [--runs R] [--reps K] [--hostile N] [--skip-hostile]");
         }
     }
     std::string dir = (fs::temp_directory_path() / "vlkxs-parse-XXXXXX").string();
@@ -211,9 +221,9 @@ int main(int argc, char **argv) {
 
     // About 60 MB each: 3M total, 2.5M single and 2.5M double differential lines.
     const Shape shapes[] = {{0, 5, 600000, 0, 0}, {1, 5, 200, 2500, 0}, {2, 5, 50, 100, 100}};
-    std::printf("medians of %d runs; times in ms, ratio = reader/bare on user time\n", runs);
+    std::printf("medians of %d runs of %d calls; times in ms a call, ratio = reader/bare on user time\n", runs, reps);
     std::printf("dim  size/MB     lines  bare user  read user  ratio  bare wall  read wall\n");
-    for (const Shape &s : shapes) compare(s, runs);
+    for (const Shape &s : shapes) compare(s, runs, reps);
 
     if (hostile > 0)
         for (int dim = 0; dim < 3; ++dim) sections(dim, hostile);

@@ -179,7 +179,6 @@ private:
         st_.text = fm_.pLine;
         st_.textlen = static_cast<int32_t>(fm_.nLine);
     }
-    std::string_view current() const { return trim_blanks(std::string_view(fm_.pLine, fm_.nLine)); }
     // The current line without its leading blanks: enough to classify it,
     // and to read its numbers, which end at blanks anyway.
     std::string_view current_front() const {
@@ -199,13 +198,14 @@ private:
         while (more) {
             ++iline_;
             locate();
-            const std::string_view line = current();
+            // Trailing blanks matter to tag lines alone: numbers end at them.
+            const std::string_view line = current_front();
             bool pending = false;  // a run ended at a line delivered but not yet handled
             switch (classify(line)) {
                 case LineKind::Empty:
                 case LineKind::Comment: break;
                 case LineKind::Tag:
-                    if (!tag_line(line)) return false;
+                    if (!tag_line(trim_blanks(line))) return false;
                     break;
                 case LineKind::Data: {
                     const bool shown = itag_ != kUnknownTag;
