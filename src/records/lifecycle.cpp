@@ -15,6 +15,11 @@ using vlk::succeed;
 // that a record of any stage of completeness, or one that a failed operation
 // left half built, is walked safely.
 void release_energy(SVLKXSE &e) noexcept {
+    // A record of a total cross section has no arrays at all, and a set may
+    // hold millions of them: skip the calls to free() for nothing.
+    if (e.dv1 == nullptr && e.dvSig1 == nullptr && e.dvCum1 == nullptr && e.nv2 == nullptr && e.pdv2 == nullptr &&
+        e.pdvSig2 == nullptr && e.pdvCum2 == nullptr)
+        return;
     for (int32_t k = 0; k < e.n1; ++k) {
         if (e.pdv2 != nullptr) std::free(e.pdv2[k]);
         if (e.pdvSig2 != nullptr) std::free(e.pdvSig2[k]);
