@@ -13,6 +13,7 @@
 #include "core/alloc.hpp"
 #include "materials.hpp"
 #include "companions/common.hpp"
+#include "core/constants.hpp"
 #include "core/status.hpp"
 #include "vlkxs.h"
 
@@ -26,10 +27,9 @@ constexpr const char *kIsValid = "vlkproj(IsValid)";
 constexpr const char *kInspect = "vlkproj(Inspect)";
 constexpr const char *kFromStr = "vlkproj(FromStr)";
 
-// Rest energies in keV (CODATA 1986 values, which the rest of the module
-// uses as well).
-constexpr double kElectronKeV = 510.99906;
-constexpr double kAtomicMassUnitKeV = 931494.32;
+// Rest energies in keV, from the constants that the module uses as well.
+using vlk::kAtomicMassUnitKeV;
+constexpr double kElectronKeV = vlk::kElectronRestKeV;
 constexpr double kProtonKeV = 938272.0;  // 938.272 MeV
 
 // Rest energy of a bare nucleus from the atomic mass (in u) of its neutral
