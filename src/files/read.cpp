@@ -181,6 +181,14 @@ private:
     }
     // The current line without its leading blanks: enough to classify it,
     // and to read its numbers, which end at blanks anyway.
+    // The loops over runs touch each line once, in order, long after the
+    // image was read: fetching the text a little ahead keeps the number
+    // conversion from waiting on memory.  A hint only, past the end too.
+    void ahead() const {
+#if defined(__GNUC__)
+        __builtin_prefetch(fm_.pLine + 1024);
+#endif
+    }
     std::string_view current_front() const {
         std::string_view s(fm_.pLine, fm_.nLine);
         while (!s.empty() && s.front() == ' ') s.remove_prefix(1);
@@ -244,6 +252,7 @@ private:
         r = Run{iline_, 1, 1};
         int32_t i = iline_;
         while (uFileMemLineNext(&fm_, trace_) == 0) {
+            ahead();
             const LineKind kind = classify(current_front());
             if (kind == LineKind::Tag) {
                 pending = true;
@@ -308,6 +317,7 @@ private:
         for (int32_t n = 1; n < span; ++n) {
             if (uFileMemLineNext(&fm_, trace_) != 0) break;
             ++iline_;
+            ahead();
             const std::string_view line = current_front();
             if (classify(line) != LineKind::Data) continue;
             double v[3] = {0, 0, 0};
