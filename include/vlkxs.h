@@ -390,7 +390,17 @@ VLKXS_API SCMDSTATUS VLKXSIATypeFromStr(SVLKXS *set, const char *word, int32_t m
  * before VLKXSRead returns.  It is a location to compare, never to read:
  * don't hand a kept `at` to VLKXSError or _cmderrMsg. */
 VLKXS_API SCMDSTATUS VLKXSRead(SVLKXS *set, const char *path, int32_t mode);
-/* Writes a valid set to "<prefix><symbol>.<target>.<IAtag><dimtag>.xs". */
+/* Writes a valid set as an xs file named "<prefix><proj.symbol>.<targ.name>.
+ * <IAtag><dimtag>.xs" (the prefix unchanged: a directory needs its own
+ * separator; "" is valid), replacing a file of that name.  The set is only
+ * read, but for IAtag and dimtag, which are filled.  Numbers are printed as
+ * printf's "%G" (six significant digits); the first-level grid is printed
+ * times the record's WNorm, km in shell 0 alone.  The date line is the
+ * local time in ctime's form.  Failures, always reported, and no file made:
+ * 2 a null set or prefix; the code of VLKXSIsValid for a set that isn't
+ * valid (a differential set must be completed first); 1 no memory, or the
+ * file can't be opened.  Errors while writing aren't detected: a full disk
+ * leaves a cut file and success. */
 VLKXS_API SCMDSTATUS VLKXSWrite(SVLKXS *set, const char *prefix, int32_t mode);
 
 /* ========================================================================
