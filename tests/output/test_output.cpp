@@ -1,0 +1,117 @@
+// The listing through the protocol printer and the structure dump.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "capture.hpp"
+#include "sets.hpp"
+#include "tempdir.hpp"
+#include "vlkxs.h"
+
+namespace {
+
+using vlktest::Capture;
+using vlktest::count_lines;
+
+struct Loaded {
+    SVLKXS set;
+    explicit Loaded(const char *name, bool complete = true) {
+        EXPECT_EQ(VLKXSRead(&set, vlktest::data_file(name).c_str(), 0).code, 0);
+        if (complete) {
+            EXPECT_EQ(VLKXSComplete(&set, 0).code, 0);
+        }
+    }
+    ~Loaded() { VLKXSFree(&set, 0); }
+};
+
+std::string list(SVLKXS *set, int32_t mode = 0, int32_t *code = nullptr) {
+    Capture out(stdout);
+    const SCMDSTATUS s = VLKXSList(set, mode);
+    if (code != nullptr) *code = s.code;
+    return out.finish();
+}
+
+TEST(List, LinesOfEachKind) {
+    Loaded t("e.H2O.it.xs"), d("p.H2O.id.xs");
+    const std::string head =
+        "                     space = 0 bytes\n<I>             projectile = electron\n"
+        "                    target = H2O\n               interaction = i\n"
+        "    # of electronic shells = 3\n";
+    std::string want = head;
+    for (const char *s : {"1 3", "2 2", "0 4"}) {
+        want +=
+            "                      shell #" + std::string(1, s[0]) + "\n     # of primary energies = " + s[2] + "\n";
+        for (int j = 0; j < s[2] - '0'; ++j) want += "     # of secondaries (d1) = 0\n";
+    }
+    EXPECT_EQ(list(&t.set), want);
+    // Dimension 2: a d2 line under its d1 line for each first-level point.
+    const std::string out = list(&d.set);
+    EXPECT_EQ(count_lines(out, "     # of secondaries (d1) = "), 5);
+    EXPECT_EQ(count_lines(out, "     # of secondaries (d2) = "), 7);
+    EXPECT_NE(out.find("(d1) = 2\n     # of secondaries (d2) = 3\n     # of secondaries (d2) = 2\n"),
+              std::string::npos);
+}
+
+TEST(List, NamesCutAndFailures) {
+    Loaded t("e.H2O.it.xs"), s("e.H2O.is.xs", false);
+    char *name = t.set.proj.name;
+    std::string longer(100, 'x');
+    t.set.proj.name = longer.data();
+    EXPECT_NE(list(&t.set).find("projectile = " + std::string(80, 'x') + "\n"), std::string::npos);
+    t.set.proj.name = name;
+    for (int32_t mode : {0, VLKXS_MODE_QUIET}) {
+        int32_t code = 0;
+        Capture err(stderr);
+        EXPECT_EQ(list(&s.set, mode, &code), "") << "validation comes first";
+        EXPECT_EQ(code, VLKXS_C_SDCS_TABLE);
+        EXPECT_EQ(count_lines(err.finish(), "<E> "), mode == 0 ? 2 : 0);
+    }
+    int32_t code = 0;
+    Capture err(stderr);
+    list(nullptr, 0, &code);
+    EXPECT_EQ(code, VLKXS_C_BADADDR);
+}
+
+std::string inspect(const SVLKXS *set, int32_t mode) {
+    Capture err(stderr);
+    EXPECT_EQ(VLKXSInspect(set, mode).code, set != nullptr ? 0 : VLKXS_C_BADADDR);
+    return err.finish();
+}
+
+TEST(Inspect, PartsByTheBits) {
+    SVLKXS empty;
+    VLKXSInit(&empty, 0);
+    EXPECT_EQ(inspect(&empty, 0), "");
+    for (int32_t bit : {VLKXS_MODE_FORCED, VLKXS_MODE_DEEP}) {
+        const std::string out = inspect(&empty, bit);
+        EXPECT_EQ(out.substr(0, 4), "<D> ");
+        EXPECT_EQ(out.substr(out.size() - 15), "     shell=0 0\n");
+    }
+    Loaded d("p.H2O.id.xs");
+    const std::string shells = inspect(&d.set, 0), deep = inspect(&d.set, VLKXS_MODE_DEEP);
+    EXPECT_EQ(inspect(&d.set, VLKXS_MODE_FORCED), shells);
+    EXPECT_EQ(count_lines(shells, "     shell#"), 3);
+    EXPECT_EQ(count_lines(shells, "           E="), 0);
+    EXPECT_EQ(count_lines(deep, "           E="), 5);
+    EXPECT_EQ(count_lines(deep, "              d1="), 7);
+    EXPECT_NE(deep.find("              d1=3 4.32506E-05 2.82743E-15 0\n"), std::string::npos);
+    EXPECT_NE(deep.find("\n                 0 3E-16 0.444444\n"), std::string::npos);
+    inspect(nullptr, 0);
+}
+
+// Missing arrays at every level show as "--"; nothing faults.
+TEST(Inspect, HolesAtEveryLevel) {
+    Loaded s("e.H2O.is.xs", false);  // dim 1, read only: no dvCum1, no second level
+    const std::string out = inspect(&s.set, VLKXS_MODE_DEEP);
+    EXPECT_NE(out.find("              d1=-- 0.01 2.5E-16 --\n              d2=-- -- --\n"), std::string::npos);
+    vlktest::SetBuilder b(2);
+    b.add_shell(1, 1, false);
+    SVLKXSSH &sh = b.add_shell(2, 2);
+    b.ddcs(sh.pE[0], {1, 2}, {{-1, 1}, {}}, {{1, 2}, {}});
+    sh.pE[0].pdvSig2[0] = nullptr;  // the builder still releases the row
+    const std::string holes = inspect(&b.set, VLKXS_MODE_DEEP);
+    EXPECT_NE(holes.find("\n                 -1 -- --\n                 1 -- --\n"), std::string::npos) << holes;
+    EXPECT_NE(holes.find("     shell#1\n        *E=1 0\n     shell#2\n"), std::string::npos);
+}
+
+}  // namespace
