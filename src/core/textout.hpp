@@ -10,6 +10,7 @@
 
 #include "core/alloc.hpp"
 #include "core/numbers.hpp"
+#include "vlkxs.h"
 
 namespace vlk {
 
@@ -27,6 +28,13 @@ public:
         f_ = std::fopen(path, "w");
         return f_ != nullptr;
     }
+    // The same for the file of a set: "<prefix><proj.symbol>.<targ.name>.
+    // <IAtag><dimtag><ending>", the tags filled.
+    bool open(const SVLKXS &set, const char *prefix, const char *ending) noexcept;
+
+    // ctime()'s 24 characters of the present local time and its line end,
+    // without ctime's shared buffer.
+    TextOut &date() noexcept;
 
     TextOut &text(std::string_view s) noexcept {
         if (s.size() > kRoom) {

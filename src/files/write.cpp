@@ -1,31 +1,8 @@
 // The writer of xs files: the reference layout of the format, for a valid
 // set, under a name made from the caller's prefix and the set itself.
-#include <cstdio>
-#include <cstring>
-#include <ctime>
-#include <string_view>
-
 #include "core/core.hpp"
 
 namespace {
-
-// The text of ctime(): "Www Mmm dd hh:mm:ss yyyy\n", in the C locale and
-// without ctime's static buffer, so that writers on two threads don't meet.
-void date_line(vlk::TextOut &out, std::time_t now) {
-    static constexpr const char *kDay[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
-    static constexpr const char *kMonth[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                             "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-    std::tm t{};
-#if defined(_WIN32)
-    localtime_s(&t, &now);
-#else
-    localtime_r(&now, &t);
-#endif
-    char text[64];
-    std::snprintf(text, sizeof text, "%.3s %.3s%3d %.2d:%.2d:%.2d %d\n", kDay[t.tm_wday % 7], kMonth[t.tm_mon % 12],
-                  t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec, t.tm_year + 1900);
-    out.text("!filedate    ").text(text);
-}
 
 // "!eproj" with E, and km in the sum shell alone.
 void eproj_line(vlk::TextOut &out, const SVLKXSE &e, bool sum) {
@@ -71,19 +48,13 @@ SCMDSTATUS VLKXSWrite(SVLKXS *set, const char *prefix, int32_t mode) {
                                   VLKXSStrFromIADim};
         for (Step step : steps)
             if (const SCMDSTATUS r = step(set, mode); vlk::severe(r.level)) return vlk::take_code(st, r);
-        const char *symbol = set->proj.symbol, *name = set->targ.name;
-        const std::size_t size = std::strlen(prefix) + std::strlen(symbol) + std::strlen(set->dimtag) +
-                                 std::strlen(name) + std::strlen(set->IAtag) + 64;
-        vlk::Buffer<char> path;
-        if (!path.reserve(size)) return vlk::fail(st, VLKXS_C_RUNTIME);
-        std::snprintf(path.data(), size, "%s%s.%s.%s%s.xs", prefix, symbol, name, set->IAtag, set->dimtag);
         vlk::TextOut out;
-        if (!out.open(path.data())) return vlk::fail(st, VLKXS_C_RUNTIME);
+        if (!out.open(*set, prefix, ".xs")) return vlk::fail(st, VLKXS_C_RUNTIME);
         out.text("!filetype    xs ").text(set->IAtag).ch(',').text(set->dimtag).ch('\n');
         out.text("!fileversion ").d(20080825).ch('\n');
-        date_line(out, std::time(nullptr));
-        out.text("!target      ").text(name).ch('\n');
-        out.text("!projectile  ").text(symbol).ch('\n');
+        out.text("!filedate    ").date();
+        out.text("!target      ").text(set->targ.name).ch('\n');
+        out.text("!projectile  ").text(set->proj.symbol).ch('\n');
         for (const SVLKXSSH &sh : vlk::shells(*set)) {
             out.text("#\n!shell       ").d(sh.shell).text("\n\n");
             shell_table(out, sh, set->dim);

@@ -23,25 +23,24 @@ int32_t load(SVLKXS &set, const std::string &path) {
     return n;
 }
 
-// Line 3 holds the date of the writing; every other line is as expected.
+// The date line aside, the xs file and the gd file are as expected.
 TEST(Write, FilesAsExpectedAndBackAgain) {
+    const auto undated = [](std::string s) {
+        const std::size_t at = s.find("filedate    "), end = s.find('\n', at);
+        EXPECT_EQ(end - at, 12u + 24u) << "ctime's 24 characters";
+        return s.erase(at, end - at);
+    };
     for (const char *name : kFiles) {
         vlktest::TempDir dir;
         SVLKXS a, b;
         const int32_t in_file = load(a, vlktest::data_file(name));
         ASSERT_EQ(VLKXSWrite(&a, dir.prefix().c_str(), 0).code, 0);
+        ASSERT_EQ(VLKXSExportgd(&a, dir.prefix().c_str(), 0).code, 0);
         const std::string path = dir.prefix() + name;  // the data files are named as the writer names
-        std::string got = vlktest::read_file(path), want = vlktest::read_file(vlktest::data_file("written/") + name);
-        const auto date = [](std::string &s) {
-            const std::size_t at = s.find("!filedate    "), end = s.find('\n', at);
-            const std::string line = s.substr(at, end - at);
-            s.erase(at, end - at);
-            return line;
-        };
-        EXPECT_EQ(date(got).size(), 13u + 24u) << "ctime's 24 characters";
-        date(want);
-        EXPECT_EQ(got, want) << name;
-        ASSERT_EQ(got.back(), '\n');
+        for (const std::string ending : {"", ".gd"})
+            EXPECT_EQ(undated(vlktest::read_file(path + ending)),
+                      undated(vlktest::read_file(vlktest::data_file("written/") + name + ending)))
+                << name << ending;
         // Read back and completed, the set agrees with the first to the six
         // digits of the file; derived fields to what six digits allow.  A sum
         // shell that the completion made is an ordinary shell of the file:

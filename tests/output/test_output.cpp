@@ -115,3 +115,54 @@ TEST(Inspect, HolesAtEveryLevel) {
 }
 
 }  // namespace
+
+namespace {
+
+// The gd file of `set`, written under `dir`.
+std::string gd(SVLKXS *set, const vlktest::TempDir &dir, int32_t code = 0) {
+    EXPECT_EQ(VLKXSExportgd(set, dir.prefix().c_str(), VLKXS_MODE_QUIET).code, code);
+    if (code != 0) return "";
+    return vlktest::read_file(dir.prefix() + set->proj.symbol + "." + set->targ.name + "." + set->IAtag + set->dimtag +
+                              ".xs.gd");
+}
+
+// One angle at the first point: a table over the secondary energy, scaled
+// by WNorm for ions, the angle exact for the usual cosines; styles by IA.
+TEST(Exportgd, OneAngleFormFactorsAndStyles) {
+    vlktest::TempDir dir;
+    vlktest::SetBuilder b(2, 2, VLKPROJ_ION);
+    SVLKXSE &e = b.add_shell(1, 1).pE[0];
+    b.ddcs(e, {1, 3}, {{0.5}, {0.5, 1}}, {{1}, {2, 2}}, {{1}, {0.5, 1}}, {1, 2});
+    e.dvCum1 = b.doubles({0.5, 1});
+    e.E = 1;
+    e.WNorm = 2;
+    std::string out = gd(&b.set, dir);
+    EXPECT_NE(out.find("x: \ny: dsi^/dE/dOm^[cm2@/keVsr]\np: ylog\n"), std::string::npos);
+    EXPECT_NE(out.find("c:asec       60\nH: x y1(60),lr1 n2(60),lr1\n"), std::string::npos) << out;
+    EXPECT_NE(out.find("/keV\n2 1 1\n6 2 0.5\n"), std::string::npos) << out;
+    e.pdv2[0][0] = 0.25;
+    b.set.IA = 4;  // no colour
+    out = gd(&b.set, dir);
+    EXPECT_NE(out.find("c:asec       75.5225\nH: x y1(75.5225),l1 n2(75.5225),l1\n"), std::string::npos) << out;
+    // Many angles at the first point: one table over the cosine a point.
+    e.nv2[0] = 0;
+    out = gd(&b.set, dir);
+    EXPECT_EQ(count_lines(out, "c:esec       "), 2);
+    EXPECT_NE(out.find("c:esec       6 keV\nH: x y1(3),l1 (n1=acos(y1)/3.14159*180) n2(3),l1\n"), std::string::npos);
+}
+
+TEST(Exportgd, LabelsAndFailures) {
+    vlktest::TempDir dir;
+    Loaded s("e.H2O.is.xs");
+    s.set.IA = 1;  // elastic: the first level holds cosines
+    EXPECT_NE(gd(&s.set, dir).find("x: cos(th^)\ny: dsi^/dOm^[cm2@/sr]\np: ylog\nc:\n"), std::string::npos);
+    Loaded raw("e.H2O.is.xs", false);
+    Capture err(stderr);
+    gd(&raw.set, dir, VLKXS_C_SDCS_TABLE);
+    EXPECT_EQ(VLKXSExportgd(nullptr, "", 0).code, VLKXS_C_BADADDR);
+    EXPECT_EQ(VLKXSExportgd(&s.set, nullptr, 0).code, VLKXS_C_BADADDR);
+    EXPECT_EQ(VLKXSExportgd(&s.set, (dir.prefix() + "no/dir/").c_str(), 0).code, VLKXS_C_RUNTIME);
+    EXPECT_EQ(count_lines(err.finish(), "<E> "), 4) << "always reported";
+}
+
+}  // namespace
