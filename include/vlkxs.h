@@ -496,8 +496,29 @@ VLKXS_API SCMDSTATUS VLKXSCalcIX(SVLKXS *set, const SVLKXSCALC *calc, int32_t mo
  * Output
  * ======================================================================== */
 
+/* Summary listing of a valid set through _prtcl, one call a line: space (as
+ * the set holds it: VLKXSSpace isn't run), projectile and target names (cut
+ * at 80 characters; a null name prints as "(null)"), interaction tag, number
+ * of shells, and for each shell its number and records, for each record its
+ * first-level points, and for each point its second-level points where the
+ * record has nv2.  Only IAtag is written into the set.  Validation comes
+ * first: an invalid set prints nothing and fails with VLKXSIsValid's code
+ * (2 for a null set).  Reports unless quiet. */
 VLKXS_API SCMDSTATUS VLKXSList(SVLKXS *set, int32_t mode);
+/* Dump of a set in any state on stderr: the set's fields and its companions;
+ * with shells, each shell's number and records; with VLKXS_MODE_DEEP every
+ * record and every number of its tables ("--" where an array is missing).
+ * A set without shells prints nothing unless VLKXS_MODE_FORCED or DEEP is
+ * given.  Changes nothing; fails only for a null set (2), always reported. */
 VLKXS_API SCMDSTATUS VLKXSInspect(const SVLKXS *set, int32_t mode);
+/* Writes a valid set as a gd plot file "<prefix><proj.symbol>.<targ.name>.
+ * <IAtag><dimtag>.xs.gd" (replaced if it exists): title, the set's identity
+ * in "c:" comments, axis labels by dim, IA and projectile type, then one
+ * table or more for each shell behind "H:" lines that name the columns and
+ * the curve styles ("l", coltag, shell number).  Secondary energies are
+ * scaled by WNorm for ions only.  Fills IAtag, dimtag and coltag.  Failures,
+ * always reported, no file made: 2 null set or prefix, the code of
+ * VLKXSIsValid, 1 no memory or a file that can't be opened. */
 VLKXS_API SCMDSTATUS VLKXSExportgd(SVLKXS *set, const char *prefix, int32_t mode);
 
 /* ========================================================================
