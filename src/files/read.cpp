@@ -114,16 +114,16 @@ private:
         st_.text = fm_.pLine;
         st_.textlen = static_cast<int32_t>(fm_.nLine);
     }
-    // The current line without its leading blanks: enough to classify it,
-    // and to read its numbers, which end at blanks anyway.
     // The loops over runs touch each line once, in order, long after the
     // image was read: fetching the text a little ahead keeps the number
-    // conversion from waiting on memory.  A hint only, past the end too.
+    // conversion from waiting on memory.  A hint only, harmless past the end.
     void ahead() const {
 #if defined(__GNUC__)
         __builtin_prefetch(fm_.pLine + 1024);
 #endif
     }
+    // The current line without its leading blanks: enough to classify it,
+    // and to read its numbers, which end at blanks anyway.
     std::string_view current_front() const {
         std::string_view s(fm_.pLine, fm_.nLine);
         while (!s.empty() && s.front() == ' ') s.remove_prefix(1);
