@@ -4,8 +4,10 @@
 // stream is closed on every way out.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <string_view>
 
 #include "core/alloc.hpp"
@@ -51,10 +53,21 @@ public:
         buf_[len_++] = c;
         return *this;
     }
-    // As printf("%G", v).
+    // As printf("%G", v).  Tables repeat their grids from block to block, so
+    // the texts of recent values are kept by their bits and copied again.
     TextOut &g(double v) noexcept {
         room();
-        len_ += write_g({buf_.data() + len_, kWriteGMax}, v);
+        const auto bits = std::bit_cast<uint64_t>(v);
+        Memo &m = memo_[(bits * 0x9e3779b97f4a7c15ull) >> 56];
+        char *at = buf_.data() + len_;
+        if (m.len != 0 && m.bits == bits) {
+            std::memcpy(at, m.text, sizeof m.text);
+        } else {
+            m.len = static_cast<uint8_t>(write_g({at, kWriteGMax}, v));
+            m.bits = bits;
+            std::memcpy(m.text, at, sizeof m.text);
+        }
+        len_ += m.len;
         return *this;
     }
     // As printf("%d", v).
@@ -80,7 +93,15 @@ private:
         len_ = 0;
     }
 
+    struct Memo {
+        uint64_t bits;
+        uint8_t len;  // 0: empty
+        char text[kWriteGMax - 1];
+    };
+    static_assert(kWriteGMax - 1 >= 14, "room for the longest text, -1.79769E+308");
+
     std::FILE *f_ = nullptr;
+    Memo memo_[256] = {};
     Buffer<char> buf_;
     std::size_t len_ = 0;
 };
