@@ -224,7 +224,7 @@ TEST(Text, CaseFreeComparison) {
 }
 
 // Boundaries of %G (sixth-digit rounding, the switch to an exponent, the
-// range), powers of ten, a million bit patterns, decimals with a 5 at digit
+// range), powers of ten, two million bit patterns, decimals with a 5 at digit
 // seven, decimals of six digits or fewer.
 std::vector<double> g_values() {
     const double denorm = std::numeric_limits<double>::denorm_min();
@@ -238,7 +238,7 @@ std::vector<double> g_values() {
     }
     std::mt19937_64 rng(0x5eed5eedULL);
     std::uniform_int_distribution<long> mantissa(100000, 999999), exponent(-336, 304);
-    for (int i = 0; i < 1000000; ++i) {
+    for (int i = 0; i < 2000000; ++i) {
         v.push_back(std::bit_cast<double>(rng()));
         if (i % 3 != 0) continue;
         const std::string decimal = std::to_string(mantissa(rng) * 10 + 5) + "e" + std::to_string(exponent(rng));
