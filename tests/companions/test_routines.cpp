@@ -41,38 +41,14 @@ bool same_value(double got, double want) {
 // Forms beyond %G (read back by the property test below) for cn2d, and for
 // cn2l where given; texts that neither takes leave the value untouched.
 TEST(Number, CountedText) {
-    const struct {
-        const char *text;
-        double real;
-        std::optional<int32_t> integer;
-    } numbers[] = {{"12", 12, 12},
-                   {"-12", -12, -12},
-                   {"+12", 12, 12},
-                   {"0", 0, 0},
-                   {"-0", -0.0, 0},
-                   {"007", 7, 7},
-                   {" 12 ", 12, 12},
-                   {"\t-7\t", -7, -7},
-                   {"2147483647", 2147483647.0, INT32_MAX},
-                   {"-2147483648", -2147483648.0, INT32_MIN},
-                   {"2147483648", 2147483648.0, {}},
-                   {"-2147483649", -2147483649.0, {}},
-                   {"99999999999999999999", 1e20, {}},
-                   {"1.5", 1.5, {}},
-                   {"1e3", 1000, {}},
-                   {"1.5e-17", 1.5e-17, {}},
-                   {"inf", kInf, {}},
-                   {"-inf", -kInf, {}},
-                   {"nan", kNan, {}},
-                   {"Inf", kInf, {}},
-                   {"+INF", kInf, {}},
-                   {".5", 0.5, {}},
-                   {"5.", 5, {}},
-                   {"-.5", -0.5, {}},
-                   {"+.5", 0.5, {}},
-                   {"+1.5E+03", 1500, {}},
-                   {"  1.5", 1.5, {}},
-                   {"1.5  ", 1.5, {}}};
+    const struct { const char *text; double real; std::optional<int32_t> integer; } numbers[] = {
+        {"12", 12, 12}, {"-12", -12, -12}, {"+12", 12, 12}, {"0", 0, 0}, {"-0", -0.0, 0}, {"007", 7, 7},
+        {" 12 ", 12, 12}, {"\t-7\t", -7, -7}, {"2147483647", 2147483647.0, INT32_MAX},
+        {"-2147483648", -2147483648.0, INT32_MIN}, {"2147483648", 2147483648.0, {}}, {"-2147483649", -2147483649.0, {}},
+        {"99999999999999999999", 1e20, {}}, {"1.5", 1.5, {}}, {"1e3", 1000, {}}, {"1.5e-17", 1.5e-17, {}},
+        {"inf", kInf, {}}, {"-inf", -kInf, {}}, {"nan", kNan, {}}, {"Inf", kInf, {}}, {"+INF", kInf, {}},
+        {".5", 0.5, {}}, {"5.", 5, {}}, {"-.5", -0.5, {}}, {"+.5", 0.5, {}}, {"+1.5E+03", 1500, {}},
+        {"  1.5", 1.5, {}}, {"1.5  ", 1.5, {}}};
     for (const auto &r : numbers) {
         const auto t = heap(r.text);
         double d = kUntouched;
@@ -81,9 +57,9 @@ TEST(Number, CountedText) {
         EXPECT_EQ(cn2l(t.data(), len(t), &i) >= 0, r.integer.has_value()) << "'" << r.text << "'";
         EXPECT_EQ(i, r.integer.value_or(-777)) << "'" << r.text << "'";
     }
-    for (const char *text : {"",    " ",    "\t \t", "x",   "x12", "12x",  "1.5x",  "1 2",    "1,5",   "12\n", "\n1.5",
-                             "+",   "-",    ".",     "+-1", "-+1", "++1",  "--1",   "+ 1",    "e5",    "1e",   "1e+",
-                             "1E-", "0x10", "1.2.3", "IN",  "NA",  "INFx", "1e999", "-1e999", "1e-400"}) {
+    for (const char *text : {"", " ", "\t \t", "x", "x12", "12x", "1.5x", "1 2", "1,5", "12\n", "\n1.5", "+", "-",
+                             ".", "+-1", "-+1", "++1", "--1", "+ 1", "e5", "1e", "1e+", "1E-", "0x10", "1.2.3", "IN",
+                             "NA", "INFx", "1e999", "-1e999", "1e-400"}) {
         const auto t = heap(text);
         double d = kUntouched;
         int32_t i = -777;
@@ -108,24 +84,11 @@ TEST(Number, CountedLengthIsTheEnd) {
 
 // Up to `max` numbers, as far as they are numbers; nothing stored beyond.
 TEST(Number, VectorsInCountedText) {
-    const struct {
-        const char *text;
-        int32_t max;
-        V values;
-    } rows[] = {{"1 2 3 4", 3, {1, 2, 3}},
-                {"1 2 3", 3, {1, 2, 3}},
-                {"1 2", 5, {1, 2}},
-                {"1,2, 3", 3, {1, 2, 3}},
-                {"  1.5E-17\t2E+06   -3  ", 3, {1.5e-17, 2e6, -3}},
-                {"1 , 2 ,3", 3, {1, 2, 3}},
-                {"1 x 3", 3, {1}},
-                {"1 2x 3", 3, {1}},
-                {"INF -NAN 0", 3, {kInf, -kNan, 0}},
-                {"7", 1, {7}},
-                {"", 3, {}},
-                {"   ", 3, {}},
-                {"x 1", 3, {}},
-                {"1e999 1", 3, {}}};
+    const struct { const char *text; int32_t max; V values; } rows[] = {
+        {"1 2 3 4", 3, {1, 2, 3}}, {"1 2 3", 3, {1, 2, 3}}, {"1 2", 5, {1, 2}}, {"1,2, 3", 3, {1, 2, 3}},
+        {"  1.5E-17\t2E+06   -3  ", 3, {1.5e-17, 2e6, -3}}, {"1 , 2 ,3", 3, {1, 2, 3}}, {"1 x 3", 3, {1}},
+        {"1 2x 3", 3, {1}}, {"INF -NAN 0", 3, {kInf, -kNan, 0}}, {"7", 1, {7}}, {"", 3, {}}, {"   ", 3, {}},
+        {"x 1", 3, {}}, {"1e999 1", 3, {}}};
     for (const auto &r : rows) {
         const auto t = heap(r.text);
         V v(static_cast<std::size_t>(r.max) + 2, kUntouched);
@@ -138,28 +101,13 @@ TEST(Number, VectorsInCountedText) {
 // Items: cut at commas and blanks (a comma between blanks is one cut), text
 // unchanged, negative without any.  Words: the non-empty items, at most max.
 TEST(Text, ItemsAndWords) {
-    const std::pair<const char *, Words> rows[] = {{"1,2,3", {"1", "2", "3"}},
-                                                   {"1, 2, 3", {"1", "2", "3"}},
-                                                   {"1 2 3", {"1", "2", "3"}},
-                                                   {"1\t2", {"1", "2"}},
-                                                   {"1 ,2 , 3", {"1", "2", "3"}},
-                                                   {"5 , *", {"5", "*"}},
-                                                   {"  1  ", {"1"}},
-                                                   {"1E+06", {"1E+06"}},
-                                                   {"a b,c", {"a", "b", "c"}},
-                                                   {",,", {"", "", ""}},
-                                                   {",", {"", ""}},
-                                                   {"1,,2", {"1", "", "2"}},
-                                                   {"1 , , 2", {"1", "", "2"}},
-                                                   {"1,", {"1", ""}},
-                                                   {"1 , ", {"1", ""}},
-                                                   {",1", {"", "1"}},
-                                                   {" , 1", {"", "1"}},
-                                                   {"xs\ti,,t", {"xs", "i", "", "t"}},
-                                                   {"xs i t,extra more", {"xs", "i", "t", "extra", "more"}},
-                                                   {"", {}},
-                                                   {"   ", {}},
-                                                   {"\t \t", {}}};
+    const std::pair<const char *, Words> rows[] = {
+        {"1,2,3", {"1", "2", "3"}}, {"1, 2, 3", {"1", "2", "3"}}, {"1 2 3", {"1", "2", "3"}}, {"1\t2", {"1", "2"}},
+        {"1 ,2 , 3", {"1", "2", "3"}}, {"5 , *", {"5", "*"}}, {"  1  ", {"1"}}, {"1E+06", {"1E+06"}},
+        {"a b,c", {"a", "b", "c"}}, {",,", {"", "", ""}}, {",", {"", ""}}, {"1,,2", {"1", "", "2"}},
+        {"1 , , 2", {"1", "", "2"}}, {"1,", {"1", ""}}, {"1 , ", {"1", ""}}, {",1", {"", "1"}}, {" , 1", {"", "1"}},
+        {"xs\ti,,t", {"xs", "i", "", "t"}}, {"xs i t,extra more", {"xs", "i", "t", "extra", "more"}},
+        {"", {}}, {"   ", {}}, {"\t \t", {}}};
     for (const auto &[text, items] : rows) {
         const std::string s(text);
         const char *item[8] = {};
@@ -192,29 +140,21 @@ int sign(int32_t v) { return (v > 0) - (v < 0); }
 // Letters compare without case, other bytes as they are (unsigned); strnicmp
 // stops after n bytes; stricnb ignores blanks at both ends.
 TEST(Text, CaseFreeComparison) {
-    const struct {
-        const char *a, *b;
-        int want;
-    } rows[] = {{"abc", "abc", 0}, {"ABC", "abc", 0}, {"xS", "Xs", 0},  {"", "", 0},          {"a", "B", -1},
-                {"B", "a", 1},     {"ab", "abc", -1}, {"abc", "ab", 1}, {"", "a", -1},        {"[", "{", -1},
-                {"@", "`", -1},    {"^", "~", -1},    {"Z", "z", 0},    {"\xc4", "\xe4", -1}, {"a b", "A B", 0}};
+    const struct { const char *a, *b; int want; } rows[] = {
+        {"abc", "abc", 0}, {"ABC", "abc", 0}, {"xS", "Xs", 0},  {"", "", 0},   {"a", "B", -1},
+        {"B", "a", 1},     {"ab", "abc", -1}, {"abc", "ab", 1}, {"", "a", -1}, {"[", "{", -1},
+        {"@", "`", -1},    {"^", "~", -1},    {"Z", "z", 0},    {"\xc4", "\xe4", -1}, {"a b", "A B", 0}};
     for (const auto &r : rows) {
         EXPECT_EQ(sign(stricmp(r.a, r.b)), r.want) << r.a << " | " << r.b;
         EXPECT_EQ(sign(stricnb(r.a, r.b)), r.want) << r.a << " | " << r.b;
         EXPECT_EQ(sign(strnicmp(r.a, r.b, std::strlen(r.a) + 1)), r.want) << r.a << " | " << r.b;
     }
-    const struct {
-        const char *a, *b;
-        std::size_t n;
-        int want;
-    } limited[] = {{"ABCx", "abcy", 3, 0}, {"ABCx", "abcy", 4, -1}, {"ab", "ac", 1, 0}, {"ab", "ac", 2, -1},
-                   {"abc", "ab", 2, 0},    {"abc", "ab", 3, 1},     {"x", "y", 0, 0},   {"ab", "AB", 100, 0}};
+    const struct { const char *a, *b; std::size_t n; int want; } limited[] = {
+        {"ABCx", "abcy", 3, 0}, {"ABCx", "abcy", 4, -1}, {"ab", "ac", 1, 0}, {"ab", "ac", 2, -1},
+        {"abc", "ab", 2, 0},    {"abc", "ab", 3, 1},     {"x", "y", 0, 0},   {"ab", "AB", 100, 0}};
     for (const auto &r : limited) EXPECT_EQ(sign(strnicmp(r.a, r.b, r.n)), r.want) << r.a << " | " << r.b << r.n;
     EXPECT_TRUE(strnicmp(heap("XS").data(), "xs", 2) == 0 && strnicmp(heap("XS").data(), "xt", 2) != 0);
-    const struct {
-        const char *a, *b;
-        bool equal;
-    } blanks[] = {
+    const struct { const char *a, *b; bool equal; } blanks[] = {
         {"  Hello\t", "hello", true}, {"hello", "\t HELLO ", true}, {"", "   ", true},     {" \t", "", true},
         {"he llo", "hello", false},   {"a", "a b", false},          {"ab ", "abc", false}, {" x", "y ", false}};
     for (const auto &r : blanks) {
@@ -224,14 +164,14 @@ TEST(Text, CaseFreeComparison) {
 }
 
 // Boundaries of %G (sixth-digit rounding, the switch to an exponent, the
-// range), powers of ten, two million bit patterns, decimals with a 5 at digit
-// seven, decimals of six digits or fewer.
+// range), powers of ten, two million bit patterns, decimals with a 5 at
+// digit seven, decimals of six digits or fewer.
 std::vector<double> g_values() {
     const double denorm = std::numeric_limits<double>::denorm_min();
-    V v = {0.0,      -0.0,         1.0,           -1.0,      kInf,      -kInf,       kNan,         -kNan,
-           DBL_MAX,  -DBL_MAX,     DBL_MIN,       denorm,    -denorm,   DBL_MIN / 3, 9.999995,     99999.95,
-           999999.5, 999999.4999,  9.9999949999,  1e6 - 0.5, 1e6 + 0.5, 9999995.0,   99999.949999, 0.0001,
-           1e-05,    9.999995e-05, 9.9999949e-05, 123456.5,  123457.5,  2.5,         0.125,        1.0 / 3.0};
+    V v = {0.0,          -0.0,     1.0,         -1.0,        kInf,         -kInf,    kNan,     -kNan,    DBL_MAX,
+           -DBL_MAX,     DBL_MIN,  denorm,      -denorm,     DBL_MIN / 3,  9.999995, 99999.95, 999999.5, 999999.4999,
+           9.9999949999, 1e6 - 0.5, 1e6 + 0.5,  9999995.0,   99999.949999, 0.0001,   1e-05,    9.999995e-05,
+           9.9999949e-05, 123456.5, 123457.5,   2.5,         0.125,        1.0 / 3.0};
     for (int e = -324; e <= 308; ++e) {
         const double p = std::pow(10.0, e);
         v.insert(v.end(), {p, std::nextafter(p, 0.0), std::nextafter(p, kInf), -p * 9.999995, p * 0.9999995});
@@ -243,7 +183,7 @@ std::vector<double> g_values() {
         if (i % 3 != 0) continue;
         const std::string decimal = std::to_string(mantissa(rng) * 10 + 5) + "e" + std::to_string(exponent(rng));
         v.push_back(std::strtod(decimal.c_str(), nullptr));
-        // Six digits or fewer, as every value read from a file: the short way.
+        // Six digits or fewer, as every value read from a file.
         const std::string shorter =
             std::to_string(mantissa(rng) / (1 + i % 100000)) + "e" + std::to_string(exponent(rng) / (1 + i % 7));
         v.push_back((i % 2 ? -1 : 1) * std::strtod(shorter.c_str(), nullptr));
@@ -286,12 +226,9 @@ TEST(NumberWriteG, SmallBuffers) {
 // The running integral follows the grid, one point flat over a cosine range
 // of 2, nothing beyond n; the first moment (0 without an integral); scaling.
 TEST(Vectors, IntegralsAndScaling) {
-    const struct {
-        V x, y, cum;
-    } rows[] = {{{-1, 0, 1}, {1, 2, 1}, {0, 1.5, 3}},
-                {{1, 0, -1}, {1, 2, 1}, {0, -1.5, -3}},
-                {{0, 1, 3}, {2, 2, 0}, {0, 2, 4}},
-                {{5}, {1.5}, {3}}};
+    const struct { V x, y, cum; } rows[] = {{{-1, 0, 1}, {1, 2, 1}, {0, 1.5, 3}},
+                                            {{1, 0, -1}, {1, 2, 1}, {0, -1.5, -3}},
+                                            {{0, 1, 3}, {2, 2, 0}, {0, 2, 4}}, {{5}, {1.5}, {3}}};
     for (const auto &r : rows) {
         V cum(r.x.size() + 1, -7.0);
         const int32_t n = static_cast<int32_t>(r.x.size());
@@ -306,12 +243,9 @@ TEST(Vectors, IntegralsAndScaling) {
     V cum(4, -7.0);
     EXPECT_EQ(vtrapz(x.data(), 2, y.data(), 3, cum.data(), 2, 2), 1.5);
     EXPECT_EQ(cum, (V{0, -7, 1.5, -7}));
-    const struct {
-        V x, y;
-        double mean;
-    } moments[] = {{{1, 3}, {1, 1}, 2}, {{0, 1, 2}, {0, 1, 0}, 1}, {{0, 2}, {1, 3}, 6.0 / 4.0},
-                   {{1, 3}, {0, 0}, 0}, {{1, 3}, {1, -1}, 0},      {{4}, {2}, 4},
-                   {{4}, {0}, 0}};
+    const struct { V x, y; double mean; } moments[] = {
+        {{1, 3}, {1, 1}, 2}, {{0, 1, 2}, {0, 1, 0}, 1}, {{0, 2}, {1, 3}, 6.0 / 4.0}, {{1, 3}, {0, 0}, 0},
+        {{1, 3}, {1, -1}, 0}, {{4}, {2}, 4}, {{4}, {0}, 0}};
     for (const auto &r : moments)
         EXPECT_DOUBLE_EQ(vtrapz1(r.x.data(), 1, r.y.data(), 1, nullptr, 1, static_cast<int32_t>(r.x.size())), r.mean)
             << r.x.size() << " points";
@@ -383,26 +317,10 @@ void open_and_read(FileMem &fm, const std::string &path) {
 // Edge cases, then random contents, against the plain reading; a second
 // pass gives the same pointers, the text behind them still the line.
 TEST(FileMem, LinesAsThePlainReading) {
-    std::vector<std::string> contents = {"a\nbb\nccc\n",
-                                         "a\r\nbb\r\n",
-                                         "a\r\nb\nc\r\nd",
-                                         "a\nb",
-                                         "a\r\nb",
-                                         "xs i,t",
-                                         "\n\na\n\n",
-                                         "\r\n\r\na\r\n",
-                                         "  \n\t\n \t \r\n",
-                                         "",
-                                         "\n",
-                                         "\r\n",
-                                         "a\r\n\nb",
-                                         "a\rb\n",
-                                         "a\r",
-                                         "\r\r\n",
-                                         "a\r\n\r\n\n",
-                                         "a\0b\n\0\n\0"s,
-                                         "x\0\r\n\0\0\r\n"s,
-                                         "\0\n\n"s};
+    std::vector<std::string> contents = {
+        "a\nbb\nccc\n", "a\r\nbb\r\n", "a\r\nb\nc\r\nd", "a\nb", "a\r\nb", "xs i,t", "\n\na\n\n", "\r\n\r\na\r\n",
+        "  \n\t\n \t \r\n", "", "\n", "\r\n", "a\r\n\nb", "a\rb\n", "a\r", "\r\r\n", "a\r\n\r\n\n", "a\0b\n\0\n\0"s,
+        "x\0\r\n\0\0\r\n"s, "\0\n\n"s};
     std::mt19937 rng(20240611u);
     const char alphabet[] = {'a', 'b', ' ', '\t', '\r', '\n', '\0', ','};
     std::uniform_int_distribution<int> pick(0, 7), length(0, 300);
