@@ -36,6 +36,8 @@ TEST(Write, FilesAsExpectedAndBackAgain) {
         const int32_t in_file = load(a, vlktest::data_file(name));
         ASSERT_EQ(VLKXSWrite(&a, dir.prefix().c_str(), 0).code, 0);
         ASSERT_EQ(VLKXSExportgd(&a, dir.prefix().c_str(), 0).code, 0);
+        ASSERT_EQ(VLKXSWrite(&a, (dir.prefix() + "run1_").c_str(), 0).code, 0);
+        EXPECT_TRUE(std::filesystem::exists(dir.prefix() + "run1_" + name)) << "the prefix goes first, unchanged";
         const std::string path = dir.prefix() + name;  // the data files are named as the writer names
         for (const std::string ending : {"", ".gd"})
             EXPECT_EQ(undated(vlktest::read_file(path + ending)),
@@ -68,16 +70,6 @@ TEST(Write, FilesAsExpectedAndBackAgain) {
         VLKXSFree(&a, 0);
         VLKXSFree(&b, 0);
     }
-}
-
-TEST(Write, NameFromThePrefixAndTheSet) {
-    vlktest::TempDir dir;
-    SVLKXS set;
-    load(set, vlktest::data_file("e.H2O.it.xs"));
-    ASSERT_EQ(VLKXSWrite(&set, (dir.prefix() + "run1_").c_str(), 0).code, 0);
-    EXPECT_TRUE(std::filesystem::exists(dir.path() / "run1_e.H2O.it.xs"));
-    EXPECT_EQ(std::string(set.IAtag) + set.dimtag, "it");
-    VLKXSFree(&set, 0);
 }
 
 // Failures are always reported; an invalid set is reported by the
