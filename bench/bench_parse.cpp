@@ -20,7 +20,6 @@
 // duplicate sections, and prints each timing as soon as it is known.
 //
 //   bench_parse [--runs R] [--reps K] [--hostile N] [--skip-hostile]
-#include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -36,44 +35,20 @@
 #include <vector>
 
 #include "vlkxs.h"
+#include "timing.hpp"
 #include "xsfile.hpp"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-fs::path g_dir;  // scratch directory of the generated files
+fs::path &g_dir = vlkbench::scratch();  // scratch directory of the generated files
 
-[[noreturn]] void die(const std::string &what) {
-    std::fprintf(stderr, "bench_parse: %s\n", what.c_str());
-    if (!g_dir.empty()) fs::remove_all(g_dir);
-    std::exit(1);
-}
+[[noreturn]] void die(const std::string &what) { vlkbench::die("bench_parse", what); }
 
-struct Times {
-    double user_ms, wall_ms;
-};
-
-double user_ms() {
-    rusage ru{};
-    getrusage(RUSAGE_SELF, &ru);
-    return ru.ru_utime.tv_sec * 1e3 + ru.ru_utime.tv_usec * 1e-3;
-}
-
-template <class F>
-Times timed(F &&f) {
-    const double u0 = user_ms();
-    const auto w0 = std::chrono::steady_clock::now();
-    f();
-    const std::chrono::duration<double, std::milli> wall = std::chrono::steady_clock::now() - w0;
-    return {user_ms() - u0, wall.count()};
-}
-
-double median(std::vector<double> v) {
-    std::sort(v.begin(), v.end());
-    const std::size_t m = v.size() / 2;
-    return v.size() % 2 != 0 ? v[m] : 0.5 * (v[m - 1] + v[m]);
-}
+using vlkbench::median;
+using vlkbench::timed;
+using vlkbench::Times;
 
 // Converts up to `max` numbers of [p, end) separated by blanks, tabs or
 // commas; a leading '+' is stepped over, from_chars doesn't take one.

@@ -14,7 +14,6 @@
 // loop and an fprintf loop that write its layout.
 //
 //   bench_write [runs [calls a sample]]
-#include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -32,44 +31,20 @@
 #include <vector>
 
 #include "vlkxs.h"
+#include "timing.hpp"
 #include "xsfile.hpp"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-fs::path g_dir;  // scratch directory of every file
+fs::path &g_dir = vlkbench::scratch();  // scratch directory of every file
 
-[[noreturn]] void die(const std::string &what) {
-    std::fprintf(stderr, "bench_write: %s\n", what.c_str());
-    if (!g_dir.empty()) fs::remove_all(g_dir);
-    std::exit(1);
-}
+[[noreturn]] void die(const std::string &what) { vlkbench::die("bench_write", what); }
 
-struct Times {
-    double user_ms, wall_ms;
-};
-
-double user_ms() {
-    rusage ru{};
-    getrusage(RUSAGE_SELF, &ru);
-    return ru.ru_utime.tv_sec * 1e3 + ru.ru_utime.tv_usec * 1e-3;
-}
-
-template <class F>
-Times timed(F &&f) {
-    const double u0 = user_ms();
-    const auto w0 = std::chrono::steady_clock::now();
-    f();
-    const std::chrono::duration<double, std::milli> wall = std::chrono::steady_clock::now() - w0;
-    return {user_ms() - u0, wall.count()};
-}
-
-double median(std::vector<double> v) {
-    std::sort(v.begin(), v.end());
-    const std::size_t m = v.size() / 2;
-    return v.size() % 2 != 0 ? v[m] : 0.5 * (v[m - 1] + v[m]);
-}
+using vlkbench::median;
+using vlkbench::timed;
+using vlkbench::Times;
 
 // The five header lines, with the date of now: each begins with `lead`, and
 // `after_date` follows ctime's own line end ("\n" in gd files).
