@@ -332,8 +332,17 @@ VLKXS_API SCMDSTATUS VLKXSEnable(SVLKXS *set, int32_t mode);
 VLKXS_API SCMDSTATUS VLKXSDisable(SVLKXS *set, int32_t mode);
 
 /* Duplication: deep by default, borrowing with VLKXS_MODE_SHALLOW.  `dst` is
- * raw storage or an empty set.  A failure leaves `dst` empty and `src`
- * untouched.  Always reports its failures. */
+ * raw storage or an empty set (its old content isn't released) and a record
+ * other than `src`.
+ *  - Shallow: a byte copy of `src` with VLKXS_FLAG_SHALLOW set, sharing every
+ *    array; VLKXSFree on it releases nothing.  `src` must outlive it and
+ *    stay unchanged.
+ *  - Deep: arrays of its own for every table (a table the source lacks stays
+ *    missing); `infile` null; shell flags and every `at` zero; `flag` the
+ *    source's without VLKXS_FLAG_SHALLOW; `space` computed afresh.
+ * Failures, always reported, leave `dst` empty and `src` untouched: 2 a null
+ * `dst` or `src`; 15 or 16 the projectile's or the target's duplication
+ * failed; 1 no memory for a table. */
 VLKXS_API SCMDSTATUS VLKXSDup(SVLKXS *dst, const SVLKXS *src, int32_t mode);
 
 /* Tags.  Number to tag: fills IAtag / dimtag / coltag with a constant text
