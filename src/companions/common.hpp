@@ -8,11 +8,12 @@
 #include <initializer_list>
 
 #include "core/status.hpp"
+#include "core/words.hpp"
 #include "vlkxs.h"
 
 namespace vlk::companion {
 
-inline const char *printable(const char *s) noexcept { return s != nullptr ? s : "(null)"; }
+using vlk::printable;
 
 // Releases the blocks of a record that owns them (its `own` bit set) and
 // leaves the record zero-filled.

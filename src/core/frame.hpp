@@ -3,6 +3,7 @@
 // Operations are thin shells over `run`.
 #pragma once
 
+#include <initializer_list>
 #include <new>
 
 #include "core/status.hpp"
@@ -60,6 +61,22 @@ constexpr bool reports(Report rule, int32_t mode) noexcept {
 inline void take_code(SCMDSTATUS &own, const SCMDSTATUS &other) noexcept {
     own.code = other.code;
     own.level = other.level;
+}
+
+// Other operations run in turn on a set with the caller's mode word, as the
+// writers of files and the listing begin: the first one that fails has its
+// code and level taken over, and false ends the caller's work.
+using SetStep = SCMDSTATUS (*)(SVLKXS *, int32_t);
+inline SCMDSTATUS is_valid(SVLKXS *set, int32_t mode) noexcept { return VLKXSIsValid(set, mode); }
+inline bool in_turn(SCMDSTATUS &own, SVLKXS *set, int32_t mode, std::initializer_list<SetStep> steps) noexcept {
+    for (SetStep step : steps) {
+        const SCMDSTATUS r = step(set, mode);
+        if (severe(r.level)) {
+            take_code(own, r);
+            return false;
+        }
+    }
+    return true;
 }
 
 struct NoCleanup {

@@ -70,6 +70,8 @@ public:
         len_ += m.len;
         return *this;
     }
+    // A table row of the files: "%G %G %G\n".
+    TextOut &row(double a, double b, double c) noexcept { return g(a).ch(' ').g(b).ch(' ').g(c).ch('\n'); }
     // As printf("%d", v).
     TextOut &d(int32_t v) noexcept;
 

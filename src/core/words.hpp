@@ -49,4 +49,7 @@ constexpr bool iequals(std::string_view a, const char *b) noexcept {
     return b != nullptr && compare_folded(a.data(), a.size(), b, kTerminated) == 0;
 }
 
+// A text that may be null, for printing.
+constexpr const char *printable(const char *s) noexcept { return s != nullptr ? s : "(null)"; }
+
 }  // namespace vlk

@@ -11,8 +11,6 @@ void eproj_line(vlk::TextOut &out, const SVLKXSE &e, bool sum) {
     out.ch('\n');
 }
 
-void row(vlk::TextOut &out, double a, double b, double c) { out.g(a).ch(' ').g(b).ch(' ').g(c).ch('\n'); }
-
 void shell_table(vlk::TextOut &out, const SVLKXSSH &sh, int32_t dim) {
     const bool sum = sh.shell == 0;
     if (dim == 0) out.text("#<E_proj> <sigma_xx/cm**2> [<E_loss>]\n");
@@ -26,13 +24,13 @@ void shell_table(vlk::TextOut &out, const SVLKXSSH &sh, int32_t dim) {
         eproj_line(out, e, sum);
         if (dim == 1) {
             out.text("#<E_e-/keV> <dsigma_si/dE/cm**2/keV>\n");
-            for (int32_t k = 0; k < e.n1; ++k) row(out, e.dv1[k] * e.WNorm, e.dvSig1[k], e.dvCum1[k]);
+            for (int32_t k = 0; k < e.n1; ++k) out.row(e.dv1[k] * e.WNorm, e.dvSig1[k], e.dvCum1[k]);
             continue;
         }
         for (int32_t k = 0; k < e.n1; ++k) {
             out.text("!esec       ").g(e.dv1[k] * e.WNorm).ch('\n');
             out.text("#<cos(theta)> <dsigma_di/dE/dOmega/cm**2/keV/sr>\n");
-            for (int32_t m = 0; m < e.nv2[k]; ++m) row(out, e.pdv2[k][m], e.pdvSig2[k][m], e.pdvCum2[k][m]);
+            for (int32_t m = 0; m < e.nv2[k]; ++m) out.row(e.pdv2[k][m], e.pdvSig2[k][m], e.pdvCum2[k][m]);
         }
     }
 }
@@ -42,12 +40,8 @@ void shell_table(vlk::TextOut &out, const SVLKXSSH &sh, int32_t dim) {
 SCMDSTATUS VLKXSWrite(SVLKXS *set, const char *prefix, int32_t mode) {
     return vlk::run(vlk::op::Write, mode, [&](SCMDSTATUS &st) {
         if (set == nullptr || prefix == nullptr) return;
-        // Each in turn; the first failure is taken over and nothing is written.
-        using Step = SCMDSTATUS (*)(SVLKXS *, int32_t);
-        constexpr Step steps[] = {[](SVLKXS *s, int32_t m) { return VLKXSIsValid(s, m); }, VLKXSStrFromIAType,
-                                  VLKXSStrFromIADim};
-        for (Step step : steps)
-            if (const SCMDSTATUS r = step(set, mode); vlk::severe(r.level)) return vlk::take_code(st, r);
+        // Nothing is written after a failure of these.
+        if (!vlk::in_turn(st, set, mode, {vlk::is_valid, VLKXSStrFromIAType, VLKXSStrFromIADim})) return;
         vlk::TextOut out;
         if (!out.open(*set, prefix, ".xs")) return vlk::fail(st, VLKXS_C_RUNTIME);
         out.text("!filetype    xs ").text(set->IAtag).ch(',').text(set->dimtag).ch('\n');

@@ -73,14 +73,13 @@ private:
         out_.text(" y1(").g(v).text("),").text(style()).text(between).text(" n2(").g(v).text("),").text(style());
         out_.ch('\n');
     }
-    void row(double a, double b, double c) { out_.g(a).ch(' ').g(b).ch(' ').g(c).ch('\n'); }
 
     void single(const SVLKXSE &e) {
         out_.text("c:eproj      ").g(e.E).ch('\n');
         out_.text("H: x*").g(factor(e));
         curves(e.E, "");
         out_.text("c:xxx dsigma_si/cm**2/xxx sigma/cm**2\n");
-        for (int32_t k = 0; k < e.n1; ++k) row(e.dv1[k], e.dvSig1[k], e.dvCum1[k]);
+        for (int32_t k = 0; k < e.n1; ++k) out_.row(e.dv1[k], e.dvSig1[k], e.dvCum1[k]);
     }
 
     // One table over the secondary energy where the first point has one
@@ -93,14 +92,14 @@ private:
             out_.text("c:asec       ").g(a).ch('\n').text("H: x");
             curves(a, "");
             out_.text("c:W dsigma_di/dE/dOmega/cm**2/keV/sr dsigma_si/dE/cm**2/keV\n");
-            for (int32_t k = 0; k < e.n1; ++k) row(f * e.dv1[k], e.pdvSig2[k][0], e.pdvCum2[k][0]);
+            for (int32_t k = 0; k < e.n1; ++k) out_.row(f * e.dv1[k], e.pdvSig2[k][0], e.pdvCum2[k][0]);
             return;
         }
         for (int32_t k = 0; k < e.n1; ++k) {
             out_.text("c:esec       ").g(f * e.dv1[k]).text(" keV\n").text("H: x");
             curves(e.dv1[k], " (n1=acos(y1)/3.14159*180)");
             out_.text("c:cos(theta) theta dsigma_di/dE/dOmega/cm**2/keV/sr dsigma_si/dE/cm**2/keV\n");
-            for (int32_t j = 0; j < e.nv2[k]; ++j) row(e.pdv2[k][j], e.pdvSig2[k][j], e.pdvCum2[k][j]);
+            for (int32_t j = 0; j < e.nv2[k]; ++j) out_.row(e.pdv2[k][j], e.pdvSig2[k][j], e.pdvCum2[k][j]);
         }
     }
 
@@ -115,11 +114,8 @@ private:
 SCMDSTATUS VLKXSExportgd(SVLKXS *set, const char *prefix, int32_t mode) {
     return vlk::run(vlk::op::Exportgd, mode, [&](SCMDSTATUS &st) {
         if (set == nullptr || prefix == nullptr) return;
-        using Step = SCMDSTATUS (*)(SVLKXS *, int32_t);
-        constexpr Step steps[] = {[](SVLKXS *s, int32_t m) { return VLKXSIsValid(s, m); }, VLKXSStrFromIAType,
-                                  VLKXSStrFromIADim, VLKXSColFromIAType};
-        for (Step step : steps)
-            if (const SCMDSTATUS r = step(set, mode); vlk::severe(r.level)) return vlk::take_code(st, r);
+        if (!vlk::in_turn(st, set, mode, {vlk::is_valid, VLKXSStrFromIAType, VLKXSStrFromIADim, VLKXSColFromIAType}))
+            return;
         vlk::TextOut out;
         if (!out.open(*set, prefix, ".xs.gd")) return vlk::fail(st, VLKXS_C_RUNTIME);
         Export gd(out, *set);

@@ -8,8 +8,6 @@ namespace {
 constexpr int32_t kHead = 0x30000;   // class word of the first line of the block, marked "<I>"
 constexpr int32_t kMore = 0x130000;  // class word of every other line
 
-const char *printable(const char *s) { return s != nullptr ? s : "(null)"; }
-
 // One line at a time into the same 256-character buffer.
 class Lines {
 public:
@@ -28,12 +26,11 @@ private:
 SCMDSTATUS VLKXSList(SVLKXS *set, int32_t mode) {
     return vlk::run(vlk::op::List, mode, [&](SCMDSTATUS &st) {
         if (set == nullptr) return;
-        if (const SCMDSTATUS r = VLKXSIsValid(set, mode); vlk::severe(r.level)) return vlk::take_code(st, r);
-        if (const SCMDSTATUS r = VLKXSStrFromIAType(set, mode); vlk::severe(r.level)) return vlk::take_code(st, r);
+        if (!vlk::in_turn(st, set, mode, {vlk::is_valid, VLKXSStrFromIAType})) return;
         Lines out;
         out.put(kMore, "                     space = %lu bytes", static_cast<unsigned long>(set->space));
-        out.put(kHead, "<I>             projectile = %.80s", printable(set->proj.name));
-        out.put(kMore, "                    target = %.80s", printable(set->targ.name));
+        out.put(kHead, "<I>             projectile = %.80s", vlk::printable(set->proj.name));
+        out.put(kMore, "                    target = %.80s", vlk::printable(set->targ.name));
         out.put(kMore, "               interaction = %s", set->IAtag);
         out.put(kMore, "    # of electronic shells = %d", set->nShell);
         for (const SVLKXSSH &sh : vlk::shells(*set)) {
