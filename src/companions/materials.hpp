@@ -43,6 +43,9 @@ struct Material {
     int32_t electrons;  // electrons of the molecule or atom
     int32_t nOrbital;   // orbitals used below
     Orbital orbital[kMaxOrbitals];
+    // First ionisation energy, eV, where it lies below the outermost
+    // orbital's B (a j-averaged B); 0: that B.
+    double threshold = 0.0;
 };
 
 // Densities: water as liquid; the gases at 0 degC and 1 atm.  Atomic hydrogen
@@ -62,33 +65,34 @@ inline constexpr Material kMaterials[] = {
     // ground state.
     {"H", "atomic hydrogen", 1.00794, 0.0000899, 1, {1, 0, 0, 0}, {1, 0, 0, 0}, 1, 1,
      {{"1s", 13.6057, 13.6057, 1.0}, {}, {}, {}, {}, {}}},
-    // Helium.  Kim & Rudd, Phys. Rev. A 50, 3954 (1994): experimental first
-    // ionisation energy, Hartree-Fock kinetic energy.
+    // Helium.  Kim & Rudd, Phys. Rev. A 50, 3954 (1994): the experimental
+    // first ionisation energy, and U = 39.51 eV, the kinetic energy that the
+    // BEB papers use for helium.
     {"He", "helium", 4.002602, 0.0001786, 1, {2, 0, 0, 0}, {1, 0, 0, 0}, 2, 1,
      {{"1s", 24.587, 39.51, 2.0}, {}, {}, {}, {}, {}}},
     // Molecular nitrogen.  Hwang, Kim & Rudd, J. Chem. Phys. 104, 2956
-    // (1996), table of BEB constants for N2.  The two 1s combinations
-    // (1sigma_u, 1sigma_g) share the measured K-shell binding energy.
+    // (1996), table of BEB constants for N2, valence orbitals row by row.
+    // The two 1s combinations (1sigma_u, 1sigma_g) share the measured
+    // K-shell binding energy, 409.9 eV, and U of about 602 eV.
     {"N2", "nitrogen", 28.0134, 0.0012506, 1, {7, 0, 0, 0}, {2, 0, 0, 0}, 14, 6,
      {{"3sigma_g", 15.58, 54.91, 2.0},
       {"1pi_u", 17.07, 44.30, 4.0},
-      {"2sigma_u", 21.00, 71.13, 2.0},
-      {"2sigma_g", 41.72, 63.18, 2.0},
+      {"2sigma_u", 21.00, 63.18, 2.0},
+      {"2sigma_g", 41.72, 71.13, 2.0},
       {"1sigma_u", 409.9, 601.8, 2.0},
       {"1sigma_g", 409.9, 602.7, 2.0}}},
-    // Argon.  BEB constants as tabulated in the NIST Electron-Impact
-    // Ionization Cross Section database (Kim, Irikura, Rudd et al.):
-    // experimental binding energies, Hartree-Fock kinetic energies.  Only the
-    // valence shells (3p, 3s) matter for the ionisation cross section; the
-    // inner shells (2p, 2s, 1s) are given for completeness and are less
-    // accurate.
+    // Argon.  Rudd, Kim, Madison & Gay, Rev. Mod. Phys. 64, 441 (1992),
+    // Table I, every row: binding energies (3p the average over its j = 1/2
+    // and 3/2 levels, above the first ionisation energy of 15.76 eV) and
+    // mean kinetic energies.
     {"Ar", "argon", 39.948, 0.0017837, 1, {18, 0, 0, 0}, {1, 0, 0, 0}, 18, 5,
-     {{"3p", 15.76, 78.07, 6.0},
-      {"3s", 29.24, 79.62, 2.0},
+     {{"3p", 15.82, 78.07, 6.0},
+      {"3s", 29.24, 103.5, 2.0},
       {"2p", 249.18, 651.4, 6.0},
-      {"2s", 326.3, 683.1, 2.0},
-      {"1s", 3206.3, 4216.0, 2.0},
-      {}}},
+      {"2s", 326.0, 683.1, 2.0},
+      {"1s", 3202.9, 4192.9, 2.0},
+      {}},
+     15.76},
 };
 
 inline constexpr std::size_t kMaterialCount = std::size(kMaterials);
@@ -147,7 +151,8 @@ using ShellRows = std::array<SVLKTARGSH, kMaxOrbitals + 1>;
 // electrons; rows 1..nOrbital are the orbitals.  Unused rows stay zero.
 constexpr ShellRows shell_rows(const Material &m) {
     ShellRows rows{};
-    rows[0] = SVLKTARGSH{m.orbital[0].B * kKeVPerEV, 0.0, static_cast<double>(m.electrons)};
+    const double first = m.threshold > 0.0 ? m.threshold : m.orbital[0].B;
+    rows[0] = SVLKTARGSH{first * kKeVPerEV, 0.0, static_cast<double>(m.electrons)};
     for (int32_t i = 0; i < m.nOrbital; ++i) {
         const Orbital &o = m.orbital[i];
         rows[static_cast<std::size_t>(i) + 1] = SVLKTARGSH{o.B * kKeVPerEV, o.U * kKeVPerEV, o.N};

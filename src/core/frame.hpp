@@ -50,6 +50,11 @@ inline constexpr Op Complete{"vlkxs(Complete)", Report::Always};
 inline constexpr Op Calc{"vlkxs(Calc)", Report::Always};
 inline constexpr Op CalcMethodFromStr{"vlkxs(CalcMethodFromStr)", Report::UnlessQuiet};
 inline constexpr Op CalcLimitsFromStr{"vlkxs(CalcLimitsFromStr)", Report::UnlessQuiet};
+inline constexpr Op CalcEL{"vlkxs(CalcEL)", Report::UnlessQuiet};
+inline constexpr Op CalcEI{"vlkxs(CalcEI)", Report::UnlessQuiet};
+inline constexpr Op CalcEX{"vlkxs(CalcEX)", Report::UnlessQuiet};
+inline constexpr Op CalcII{"vlkxs(CalcII)", Report::UnlessQuiet};
+inline constexpr Op CalcIX{"vlkxs(CalcIX)", Report::UnlessQuiet};
 }  // namespace op
 
 constexpr bool reports(Report rule, int32_t mode) noexcept {

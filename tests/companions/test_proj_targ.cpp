@@ -93,6 +93,24 @@ TEST(Target, Materials) {
     VLKTargFree(&t, 0);
 }
 
+// One published constant per material, so that an edit of the table shows:
+// N2 2sigma_u and 2sigma_g (Hwang, Kim & Rudd 1996), Ar 3s and 1s (Rudd et
+// al. 1992, Table I), in keV.
+TEST(Target, PublishedConstants) {
+    const struct { const char *name; int32_t row; double SVLKTARGSH::*field; double value; } pins[] = {
+        {"H2O", 5, &SVLKTARGSH::Ukin, 0.7962},  {"H", 1, &SVLKTARGSH::Ukin, 0.0136057},
+        {"He", 1, &SVLKTARGSH::Ukin, 0.03951},  {"N2", 3, &SVLKTARGSH::Ukin, 0.06318},
+        {"N2", 4, &SVLKTARGSH::Ukin, 0.07113},  {"Ar", 1, &SVLKTARGSH::Ebind, 0.01582},
+        {"Ar", 2, &SVLKTARGSH::Ukin, 0.1035},   {"Ar", 5, &SVLKTARGSH::Ebind, 3.2029},
+    };
+    SVLKTARG t{};
+    for (const auto &p : pins) {
+        ASSERT_EQ(VLKTargImportMaterial(&t, p.name, 0).code, 0);
+        EXPECT_DOUBLE_EQ(t.pShell[p.row].*p.field, p.value) << p.name << " row " << p.row;
+    }
+    VLKTargFree(&t, 0);
+}
+
 // What both companions have: operations, an accepted word, refused words,
 // the test record and ways to spoil it, and their trace tags.
 template <class T>
