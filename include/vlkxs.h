@@ -494,7 +494,44 @@ VLKXS_API SCMDSTATUS VLKXSCalcLimitsFromStr(SVLKXSCALC *calc, const char *text, 
 VLKXS_API SCMDSTATUS VLKXSCalcInspect(const SVLKXSCALC *calc, int32_t mode);
 VLKXS_API SCMDSTATUS VLKXSCalcFree(SVLKXSCALC *calc, int32_t mode);
 
-/* Model calculators, called by VLKXSCalc with validated companions. */
+/* Model calculators, called by VLKXSCalc with validated companions; each
+ * can be called alone on a set prepared the same way (projectile, target,
+ * IA, dim).  They replace any tables the set held by a complete set
+ * (VLKXSComplete has run: sum shell, cumulated tables, LET), one shell per
+ * orbital or level numbered as the target's shell rows:
+ *   VLKXSCalcEI  electrons, IA 2, "beb" (7): binary-encounter-Bethe, dim 0, 1
+ *   VLKXSCalcII  ions, IA 2, "rudd" (2): Rudd's model, water only, dim 0, 1
+ *   VLKXSCalcEL  electrons, IA 1, "rutherford" (9): screened Rutherford,
+ *                one shell numbered 0, dim 0, 1
+ *   VLKXSCalcEX  electrons, IA 3, "emp" (8): five levels of water, dim 0
+ *   VLKXSCalcIX  ions, IA 3, "emp" (8): five levels of water, dim 0
+ * Grids: the primary energies are the request's list (sorted, repeats
+ * dropped), else a logarithmic grid from Emin to Emax with neighbours no
+ * further apart than the factor 1 + relchange (0.1 for relchange <= 0, and
+ * never closer than 1 + 1e-4, which six printed digits still tell apart).
+ * The secondary axis (W, keV) and the angle axis (A, degrees) take the
+ * request's list, else its limits, else, for an axis never set (both limits
+ * 0) or an open end, the model's physical range: 0 to (T-B)/2 for BEB, 0 to
+ * 4 (m/M) T for Rudd, 0 to 180 degrees for elastic scattering.  Without a
+ * list the grid is the calculator's own, logarithmic towards 0 where the
+ * tables peak and fine enough that their integrals agree with the models'
+ * totals within 1e-3.  relchange shapes the primary grid only; `flag` isn't
+ * read.  All orbitals share one grid per energy, so that the sum shell adds
+ * like with like; a table is 0 beyond its orbital's own end.
+ * Tables: dsigma/dW in cm2/keV over W for ionisation; dsigma/dOmega in
+ * cm2/sr over ascending cosines for elastic scattering, whose sigtot is then
+ * the plain integral over the cosine, sigma / (2 pi).  Totals of dim 0
+ * ionisation sets come with the mean secondary energy in Ekin (a dim 0 file
+ * doesn't keep it); excitation records carry the level energy in km, and
+ * their sum shell the mean of the levels weighted by cross section.  Energies
+ * below a threshold give cross sections of 0.  Ions scale by their charge
+ * squared at the same energy per nucleon.
+ * Failures, reported unless quiet, leave the set without shells (companions
+ * kept): 2 a null set or request, or a shallow set; 14 a projectile of
+ * another type (`item` its name); 20 another IA; 17 another method; 21 a dim
+ * the model lacks; 37 (Rudd) or 23 a target without the model's data; 26 an
+ * open or non-positive primary energy (`item` "Emin" or "Emax"); 4 more than
+ * 1e7 primary energies; 1 no memory. */
 VLKXS_API SCMDSTATUS VLKXSCalcEL(SVLKXS *set, const SVLKXSCALC *calc, int32_t mode);
 VLKXS_API SCMDSTATUS VLKXSCalcEI(SVLKXS *set, const SVLKXSCALC *calc, int32_t mode);
 VLKXS_API SCMDSTATUS VLKXSCalcEX(SVLKXS *set, const SVLKXSCALC *calc, int32_t mode);
