@@ -529,9 +529,9 @@ VLKXS_API SCMDSTATUS VLKXSCalcFree(SVLKXSCALC *calc, int32_t mode);
  * Failures, reported unless quiet, leave the set without shells (companions
  * kept): 2 a null set or request, or a shallow set; 14 a projectile of
  * another type (`item` its name); 20 another IA; 17 another method; 21 a dim
- * the model lacks; 37 (Rudd) or 23 a target without the model's data; 26 an
- * open or non-positive primary energy (`item` "Emin" or "Emax"); 4 more than
- * 1e7 primary energies; 1 no memory. */
+ * the model lacks; 37 (Rudd) or 23 a target without the model's data; 26 a
+ * primary energy that is open, NaN or outside 1e-6 to 1e9 (keV or MeV/u;
+ * `item` "Emin" or "Emax"); 4 more than 1e7 primary energies; 1 no memory. */
 VLKXS_API SCMDSTATUS VLKXSCalcEL(SVLKXS *set, const SVLKXSCALC *calc, int32_t mode);
 VLKXS_API SCMDSTATUS VLKXSCalcEI(SVLKXS *set, const SVLKXSCALC *calc, int32_t mode);
 VLKXS_API SCMDSTATUS VLKXSCalcEX(SVLKXS *set, const SVLKXSCALC *calc, int32_t mode);

@@ -28,6 +28,13 @@ constexpr double kMinRelchange = 1.0e-4;
 
 bool open_end(double x) noexcept { return !(std::fabs(x) < kOpen); }
 
+// Primary energies that the models can take (keV, or MeV/u for ions):
+// beyond these the kinematics of the elastic model overflow a double.
+constexpr double kLowest = 1.0e-6;
+constexpr double kHighest = 1.0e9;
+bool too_low(double E) noexcept { return !(E >= kLowest); }
+bool too_high(double E) noexcept { return !(E <= kHighest); }
+
 // Sorts and removes exact repeats; returns the new count.
 int32_t sort_unique(double *p, int32_t n) noexcept {
     std::sort(p, p + n);
@@ -44,17 +51,19 @@ Fault primary_energies(const SVLKXSCALC &rq, Buffer<double> &out, int32_t &n) {
         for (int32_t i = 0; i < rq.nE; ++i)
             if (std::isnan(out[i])) return {VLKXS_C_RANGE, "Emin"};
         n = sort_unique(out.data(), rq.nE);
-        if (!(out[0] > 0.0) || open_end(out[0])) return {VLKXS_C_RANGE, "Emin"};
-        if (open_end(out[n - 1])) return {VLKXS_C_RANGE, "Emax"};
+        if (too_low(out[0])) return {VLKXS_C_RANGE, "Emin"};
+        if (too_high(out[n - 1])) return {VLKXS_C_RANGE, "Emax"};
         return {};
     }
     double lo = rq.Emin, hi = rq.Emax;
-    if (!(lo > 0.0) || open_end(lo)) return {VLKXS_C_RANGE, "Emin"};
-    if (!(hi > 0.0) || open_end(hi)) return {VLKXS_C_RANGE, "Emax"};
     if (hi < lo) std::swap(lo, hi);
+    if (too_low(lo)) return {VLKXS_C_RANGE, "Emin"};
+    if (too_high(hi)) return {VLKXS_C_RANGE, "Emax"};
     const double rc = rq.relchange > 0.0 ? std::max(rq.relchange, kMinRelchange) : 0.1;
-    // Equal steps in ln E, as many as the factor 1 + relchange needs.
-    const double steps = std::ceil(std::log(hi / lo) / std::log1p(rc) - 1e-9);
+    // Equal steps in ln E, as many as the factor 1 + relchange needs, and
+    // one at least between two different ends.
+    double steps = std::ceil(std::log(hi / lo) / std::log1p(rc) - 1e-9);
+    if (lo < hi) steps = std::max(steps, 1.0);
     if (!(steps < kMaxEnergies)) return {VLKXS_C_NPRIMARY};
     const auto count = static_cast<int32_t>(steps) + 1;
     if (!out.reserve(count_of(count))) return {VLKXS_C_RUNTIME};
