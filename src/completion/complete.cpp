@@ -18,9 +18,7 @@
 
 namespace {
 
-using vlk::kAtomicMassUnitMeV;
 using vlk::kAvogadro;
-using vlk::kElectronRestKeV;
 using vlk::kTwoPi;
 using vlk::make;
 
@@ -89,26 +87,17 @@ int32_t create_sum_shell(SVLKXS &set) {
 
 // --- Stage 2: one energy record ------------------------------------------
 
-bool charged(int32_t type) {
-    const auto t = static_cast<uint32_t>(type);
-    return t == VLKPROJ_ELECTRON || t == VLKPROJ_POSITRON || t == VLKPROJ_ION;
-}
+using vlk::charged;
 
-// gamma, beta2 and Escal in this order, each from the one before.  Ions
-// take their energy per nucleon over the atomic mass unit; WNorm is in keV
-// for every type.  Other projectiles are taken as moving at the speed of
-// light, with their energy as the scaled one.
+// gamma, beta2, Escal and WNorm from E; WNorm stays as it was for
+// projectiles that aren't charged.
 void kinematics(SVLKXSE &e, int32_t type) {
-    if (!charged(type)) {
-        e.beta2 = 1.0;
-        e.Escal = e.E;
-        return;
-    }
-    const double rest = static_cast<uint32_t>(type) == VLKPROJ_ION ? kAtomicMassUnitMeV : kElectronRestKeV;
-    e.gamma = (e.E + rest) / rest;
-    e.beta2 = 1.0 - 1.0 / (e.gamma * e.gamma);
-    e.Escal = std::log(e.beta2 / (1.0 - e.beta2)) - e.beta2;
-    e.WNorm = 2.0 * e.gamma * e.gamma * e.beta2 * kElectronRestKeV;
+    const vlk::Kinematics k = vlk::kinematics(e.E, type);
+    e.beta2 = k.beta2;
+    e.Escal = k.Escal;
+    if (!charged(type)) return;
+    e.gamma = k.gamma;
+    e.WNorm = k.WNorm;
 }
 
 // Double differential tables: running integrals over solid angle, and from

@@ -8,6 +8,7 @@
 #include "core/alloc.hpp"
 #include "core/constants.hpp"
 #include "core/frame.hpp"
+#include "core/kinematics.hpp"
 #include "core/numbers.hpp"
 #include "core/scratch.hpp"
 #include "core/status.hpp"
