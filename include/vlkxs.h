@@ -568,6 +568,46 @@ VLKXS_API SCMDSTATUS VLKXSInspect(const SVLKXS *set, int32_t mode);
 VLKXS_API SCMDSTATUS VLKXSExportgd(SVLKXS *set, const char *prefix, int32_t mode);
 
 /* ========================================================================
+ * Using a completed set: cross sections at any energy, Monte Carlo sampling
+ * ======================================================================== */
+
+/* The set must be complete (VLKXSComplete, or a calculator) and valid
+ * (VLKXSIsValid), with the records of each shell in ascending energy; these
+ * operations check no more than what they touch.  They read the set only,
+ * allocate nothing and may run in many threads on one set at once.
+ * `ish` is an index into pShell (a sum shell stands last); `E` is in the
+ * unit of the set (keV, MeV/u for ions); `u` a uniform number in [0, 1).
+ * Between two records a quantity is interpolated in ln E; at a record's own
+ * energy it is that record's own.  Failures, reported unless quiet, leave
+ * every output unchanged: 2 a null pointer; 7 `ish` out of range, or a set
+ * without shells; 26 `E` below the shell's first or above its last energy,
+ * or `u` outside [0, 1); 34 a table the operation needs is missing, or the
+ * set's dim or IA has none; 32 no cross section at E to sample from. */
+
+/* sigtot of shell ish at E (cm2): log-log between the two records around
+ * E, linear in E where either value is 0. */
+VLKXS_API SCMDSTATUS VLKXSSigma(const SVLKXS *set, int32_t ish, double E, double *sigma, int32_t mode);
+/* Ekin (keV) and LET (keV cm2/g) of shell ish at E, interpolated as sigtot. */
+VLKXS_API SCMDSTATUS VLKXSEkin(const SVLKXS *set, int32_t ish, double E, double *Ekin, double *LET, int32_t mode);
+/* A shell other than the sum shell, with probability sigma_i(E) / sum_j
+ * sigma_j(E) (each interpolated as by VLKXSSigma); shell 0 for a set of one
+ * shell.  32 when no shell has a cross section at E. */
+VLKXS_API SCMDSTATUS VLKXSSampleShell(const SVLKXS *set, double E, double u, int32_t *ish, int32_t mode);
+/* The secondary energy W (keV), dim 1 and 2: dvCum1 inverted at u, linear
+ * between grid points, at the two records around E; the two quantiles mixed
+ * linearly in ln E in the reduced variable of dv1 (fractions of WNorm for
+ * IA 2, then times WNorm at E).  Non-decreasing in u.  34 for IA 1, whose
+ * first level is a cosine: VLKXSSampleCos serves it. */
+VLKXS_API SCMDSTATUS VLKXSSampleW(const SVLKXS *set, int32_t ish, double E, double u, double *W, int32_t mode);
+/* The cosine of the emission or scattering angle, in [-1, 1] and
+ * non-decreasing in u: for dim 2, pdvCum2 inverted at the first-level
+ * points around W (keV; reduced by WNorm at E for IA 2), linear in W
+ * between them and in ln E between the records; for dim 1 of IA 1, dvCum1
+ * over the cosines, W unused.  34 for other sets. */
+VLKXS_API SCMDSTATUS VLKXSSampleCos(const SVLKXS *set, int32_t ish, double E, double W, double u, double *cosine,
+                                   int32_t mode);
+
+/* ========================================================================
  * Built-in test sets.  They point at static tables: never hand one to
  * VLKXSFree; a deep VLKXSDup of one can be.
  * ======================================================================== */

@@ -55,6 +55,11 @@ inline constexpr Op CalcEI{"vlkxs(CalcEI)", Report::UnlessQuiet};
 inline constexpr Op CalcEX{"vlkxs(CalcEX)", Report::UnlessQuiet};
 inline constexpr Op CalcII{"vlkxs(CalcII)", Report::UnlessQuiet};
 inline constexpr Op CalcIX{"vlkxs(CalcIX)", Report::UnlessQuiet};
+inline constexpr Op Sigma{"vlkxs(Sigma)", Report::UnlessQuiet};
+inline constexpr Op SampleShell{"vlkxs(SampleShell)", Report::UnlessQuiet};
+inline constexpr Op SampleW{"vlkxs(SampleW)", Report::UnlessQuiet};
+inline constexpr Op SampleCos{"vlkxs(SampleCos)", Report::UnlessQuiet};
+inline constexpr Op Ekin{"vlkxs(Ekin)", Report::UnlessQuiet};
 }  // namespace op
 
 constexpr bool reports(Report rule, int32_t mode) noexcept {

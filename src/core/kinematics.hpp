@@ -27,9 +27,17 @@ struct Kinematics {
     double gamma = 0.0, beta2 = 1.0, Escal = 0.0, WNorm = 0.0;
 };
 
-// gamma, beta2 and Escal in this order, each from the one before, and WNorm,
-// the largest energy that a free electron at rest can take over, in keV for
-// every type.
+// WNorm, the largest energy that a free electron at rest can take over,
+// 2 gamma^2 beta^2 mc^2 = 2 mc^2 E (E + 2 rest) / rest^2, in keV for every
+// type; 0 for projectiles that aren't charged.  Multiplications only: the
+// samplers call it for every secondary energy they draw.
+inline double wnorm(double E, int32_t type) noexcept {
+    if (!charged(type)) return 0.0;
+    const double rest = rest_energy(type);
+    return 2.0 * kElectronRestKeV / (rest * rest) * E * (E + 2.0 * rest);
+}
+
+// gamma, beta2 and Escal in this order, each from the one before, and WNorm.
 inline Kinematics kinematics(double E, int32_t type) noexcept {
     Kinematics k;
     if (!charged(type)) {
@@ -40,17 +48,8 @@ inline Kinematics kinematics(double E, int32_t type) noexcept {
     k.gamma = (E + rest) / rest;
     k.beta2 = 1.0 - 1.0 / (k.gamma * k.gamma);
     k.Escal = std::log(k.beta2 / (1.0 - k.beta2)) - k.beta2;
-    k.WNorm = 2.0 * k.gamma * k.gamma * k.beta2 * kElectronRestKeV;
+    k.WNorm = wnorm(E, type);
     return k;
-}
-
-// WNorm alone, as kinematics() computes it.
-inline double wnorm(double E, int32_t type) noexcept {
-    if (!charged(type)) return 0.0;
-    const double rest = rest_energy(type);
-    const double gamma = (E + rest) / rest;
-    const double beta2 = 1.0 - 1.0 / (gamma * gamma);
-    return 2.0 * gamma * gamma * beta2 * kElectronRestKeV;
 }
 
 }  // namespace vlk
