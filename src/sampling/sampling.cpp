@@ -149,10 +149,26 @@ int32_t locate(const SVLKXS &set, int32_t ish, double E, const SVLKXSSH *&sh, Br
     return VLKXS_C_DBINIT;
 }
 
-int32_t sigma_at(const SVLKXS &set, int32_t ish, double E, double &sigma) noexcept {
+// sigtot of shell ish at E.  `near`, the bracket of E in another shell,
+// serves again where this shell has the same energies there, as the shells
+// of one set mostly do.
+int32_t sigma_at(const SVLKXS &set, int32_t ish, double E, double &sigma, Bracket *near = nullptr) noexcept {
     const SVLKXSSH *sh = nullptr;
     Bracket b;
-    if (const int32_t code = locate(set, ish, E, sh, b); code != VLKXS_C_OK) return code;
+    if (near != nullptr && near->r != nullptr && ish >= 0 && ish < set.nShell) {
+        const SVLKXSSH &other = set.pShell[ish];
+        const int32_t j = near->j;
+        if (other.pE != nullptr && j < other.nE && other.pE[j].E == near->r[j].E &&
+            (near->f == 0.0 ? E == other.pE[j].E : j + 1 < other.nE && other.pE[j + 1].E == near->r[j + 1].E)) {
+            sh = &other;
+            b = *near;
+            b.r = other.pE;
+        }
+    }
+    if (sh == nullptr) {
+        if (const int32_t code = locate(set, ish, E, sh, b); code != VLKXS_C_OK) return code;
+        if (near != nullptr) *near = b;
+    }
     sigma = between(sh->pE[b.j].sigtot, b.f == 0.0 ? 0.0 : sh->pE[b.j + 1].sigtot, b, E);
     return VLKXS_C_OK;
 }
@@ -211,9 +227,10 @@ SCMDSTATUS VLKXSSampleShell(const SVLKXS *set, double E, double u, int32_t *ish,
         constexpr int32_t kKept = 32;
         double kept[kKept];
         double total = 0.0;
+        Bracket near;
         for (int32_t i = 0; i < n; ++i) {
             double s = 0.0;
-            if (const int32_t code = sigma_at(*set, i, E, s); code != VLKXS_C_OK) return code;
+            if (const int32_t code = sigma_at(*set, i, E, s, &near); code != VLKXS_C_OK) return code;
             if (i < kKept) kept[i] = s;
             if (s > 0.0) total += s;
         }
@@ -230,7 +247,7 @@ SCMDSTATUS VLKXSSampleShell(const SVLKXS *set, double E, double u, int32_t *ish,
             if (i < kKept)
                 s = kept[i];
             else
-                sigma_at(*set, i, E, s);
+                sigma_at(*set, i, E, s, &near);
             if (!(s > 0.0)) continue;
             last_open = i;
             sum += s;
