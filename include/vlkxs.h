@@ -488,6 +488,53 @@ typedef struct SVLKXSCALC {
     int32_t flag;     /* bit 1: set by VLKXS_MODE_LIMIT_WFLAG          */
 } SVLKXSCALC;
 
+/* A request starts zeroed (or as VLKXSCalcFree left it) and is filled by the
+ * caller:
+ *  - VLKXSCalcMethodFromStr sets `method` from a model name, compared whole
+ *    with case ignored: "bea" 1, "rudd" 2, "hks" 3, "cdw-eis" 4, "rel" 5,
+ *    "rbeb" 6, "beb" 7, "emp" 8, "rutherford" and "rford" 9,
+ *    "green-stolarski" 10.  Any other name (" beb", "") gives 0 and success:
+ *    the calculators refuse method 0.  2 for a null request or text, and
+ *    `method` unchanged.
+ *  - VLKXSCalcLimitsFromStr reads a text of items (separated by commas or
+ *    blanks) into the axes named by VLKXS_MODE_LIMIT_E, _W, _WFLAG (the W
+ *    axis, and bit 1 of `flag`) and _A.  An item that begins with "*" is an
+ *    open end, -/+1.7976931348623157e308 (never an infinity).  One item: both
+ *    limits, or the whole range for "*".  Two items: the limits in ascending
+ *    order, either one open.  Three or more: a sorted list, duplicates kept,
+ *    whose first and last items may be open ends; its ends are the limits, it
+ *    goes to pE, pW or pA (a calloc block that the request owns from then on)
+ *    and its length to nE, nW or nA.  The forms of one and two items set the
+ *    axis's list pointer to null and leave its count.  A list the axis held
+ *    before is overwritten, not released.  With several axis bits every named
+ *    axis takes the limits and the count, but only the first of them (E, W,
+ *    A) the list; with none, nothing is stored.  Failures store nothing and
+ *    are reported unless quiet: 2 a null request or text; 24 a text without
+ *    items (`item` the whole text); 3 an item that isn't a number (`item` and
+ *    `itemlen` the piece of the caller's text: the record is good only as
+ *    long as that text lives); 1 no memory.
+ *  - VLKXSCalcInspect dumps the record to stderr, trace bit or not; 2 for a
+ *    null request, reported unless quiet.
+ *  - VLKXSCalcFree releases the three lists and zeroes the record, which can
+ *    be filled again; a second call finds nothing to release and succeeds.
+ *    2 for a null request; never reports.
+ *
+ * VLKXSCalc fills a set that has a valid projectile, target and IA: electrons
+ * (projectile type 3) with IA 1, 2, 3 go to VLKXSCalcEL, EI, EX, ions (type
+ * 5) with IA 2, 3 to VLKXSCalcII, IX; an ion with IA 1 has nothing to
+ * calculate and succeeds with the set unchanged.  After the calculator the
+ * set is validated, gets VLKXS_FLAG_READY | VLKXS_FLAG_ENABLED, and
+ * VLKXSIsEquivW sets the shells' equivW bits.  Bits 16 to 23 of `mode` never
+ * reach the calculators, VLKXSIsValid, VLKXSIsEquivW or VLKXSFree; bit 16
+ * (VLKXS_MODE_TOLERANT) makes an IA without a calculator a success (set
+ * unchanged) instead of code 20.  A calculator's warning doesn't stop the
+ * work and isn't handed on.  The request is only read.  Failures, always
+ * reported, after which the set is emptied by VLKXSFree, its companions
+ * included: 2 a null set or request; 5, 6 the projectile or the target
+ * refused by its companion; 14 a projectile type other than 3 and 5 (`item`
+ * is the projectile's name, released with the set: don't read it after the
+ * return); 20 an IA without a calculator; or the whole record of a failing
+ * calculator, VLKXSIsValid or VLKXSIsEquivW, with their origin and item. */
 VLKXS_API SCMDSTATUS VLKXSCalc(SVLKXS *set, const SVLKXSCALC *calc, int32_t mode);
 VLKXS_API SCMDSTATUS VLKXSCalcMethodFromStr(SVLKXSCALC *calc, const char *text, int32_t mode);
 VLKXS_API SCMDSTATUS VLKXSCalcLimitsFromStr(SVLKXSCALC *calc, const char *text, int32_t mode);
