@@ -207,6 +207,21 @@ TEST(Models, GridsFromTheRequest) {
     VLKXSFree(&s, 0);
 }
 
+// The whole path of a user: limit strings and a method name into a request,
+// VLKXSCalc, a ready and enabled set.
+TEST(Models, ThroughTheDispatch) {
+    SVLKXS s = prepared(kCases[1], 1);
+    SVLKXSCALC rq{};
+    ASSERT_EQ(VLKXSCalcMethodFromStr(&rq, "BEB", 0).code, 0);
+    ASSERT_EQ(VLKXSCalcLimitsFromStr(&rq, "0.01, 10000", VLKXS_MODE_LIMIT_E).code, 0);
+    rq.relchange = 0.5;
+    ASSERT_EQ(VLKXSCalc(&s, &rq, 0).code, 0);
+    EXPECT_EQ(s.flag, VLKXS_FLAG_READY | VLKXS_FLAG_ENABLED);
+    EXPECT_TRUE(s.nShell == 6 && s.pShell[0].nE == 36 && s.pShell[0].pE[35].E == 10000.0);
+    VLKXSCalcFree(&rq, 0);
+    VLKXSFree(&s, 0);
+}
+
 // Refusals leave the set without tables, reported unless quiet.
 TEST(Models, Refusals) {
     const struct { Case c; int32_t dim; double Emin, Emax; int32_t code; const char *item; } rows[] = {
