@@ -67,39 +67,19 @@ double between(double a, double c, const Bracket &b, double E) noexcept {
     return a + b.linear(E) * (c - a);
 }
 
-// The last k with cum[k] <= u, cum[0] <= u given, starting from a guess:
-// the record next door puts the same quantile at nearly the same index, so
-// galloping from there takes a step or two where halving takes eight.
-int32_t step_to(const double *cum, int32_t n, double u, int32_t k) noexcept {
-    if (k < 0 || k >= n) return last_at_or_below(cum, n, u, [](double c) { return c; });
-    int32_t lo = k, len = 1;  // the answer lies in [lo, lo + len) when done
-    if (cum[k] <= u) {
-        for (int32_t step = 1; k + step < n && cum[k + step] <= u; step *= 2) lo = k + step, len = step;
-        len = std::min(2 * len, n - lo);
-    } else {
-        int32_t step = 1;
-        while (k - step > 0 && cum[k - step] > u) step *= 2;
-        lo = std::max(k - step, 0);
-        len = k - lo;
-    }
-    return lo + last_at_or_below(cum + lo, len, u, [](double c) { return c; });
-}
-
 // The point where a normalised cumulated table reaches u, linear between
-// grid points; `k` is a guess of the index and comes back as the index
-// found.  A table over a descending grid is read at 1 - u, so that the
-// result grows with u whichever way the grid runs.  False for a table that
-// never rises (a cross section of 0).
-bool invert(const double *x, const double *cum, int32_t n, double u, double &out, int32_t &k) noexcept {
+// grid points.  A table over a descending grid is read at 1 - u, so that
+// the result grows with u whichever way the grid runs.  False for a table
+// that never rises (a cross section of 0).
+bool invert(const double *x, const double *cum, int32_t n, double u, double &out) noexcept {
     if (x == nullptr || cum == nullptr || n < 1 || !(cum[n - 1] > 0.0)) return false;
     if (x[0] > x[n - 1]) u = 1.0 - u;
     if (!(cum[0] <= u)) {
         out = x[0];
-        k = 0;
         return true;
     }
     // cum[k] <= u < cum[k + 1]: a rising step, never a flat one.
-    k = step_to(cum, n, u, k);
+    const int32_t k = last_at_or_below(cum, n, u, [](double c) { return c; });
     out = k == n - 1 ? x[k] : x[k] + (u - cum[k]) * (x[k + 1] - x[k]) / (cum[k + 1] - cum[k]);
     return true;
 }
@@ -112,14 +92,13 @@ enum class Got { Value, Missing, Empty };
 template <class PerRecord>
 Got mix(const SVLKXSSH &sh, const Bracket &b, PerRecord &&sample, double &out) noexcept {
     double v0 = 0.0, v1 = 0.0;
-    int32_t hint = -1;
-    const Got g0 = sample(sh.pE[b.j], v0, hint);
+    const Got g0 = sample(sh.pE[b.j], v0);
     if (g0 == Got::Missing) return g0;
     if (b.f == 0.0) {
         out = v0;
         return g0;
     }
-    const Got g1 = sample(sh.pE[b.j + 1], v1, hint);
+    const Got g1 = sample(sh.pE[b.j + 1], v1);
     if (g1 == Got::Missing) return g1;
     if (g0 == Got::Empty && g1 == Got::Empty) return Got::Empty;
     out = g0 == Got::Empty ? v1 : g1 == Got::Empty ? v0 : v0 + b.f * (v1 - v0);
@@ -127,9 +106,9 @@ Got mix(const SVLKXSSH &sh, const Bracket &b, PerRecord &&sample, double &out) n
 }
 
 // One record's first-level table read at u.
-Got first_level(const SVLKXSE &r, double u, double &v, int32_t &hint) noexcept {
+Got first_level(const SVLKXSE &r, double u, double &v) noexcept {
     if (r.dv1 == nullptr || r.dvCum1 == nullptr || r.n1 < 1) return Got::Missing;
-    return invert(r.dv1, r.dvCum1, r.n1, u, v, hint) ? Got::Value : Got::Empty;
+    return invert(r.dv1, r.dvCum1, r.n1, u, v) ? Got::Value : Got::Empty;
 }
 
 int32_t code_of(Got g) noexcept { return g == Got::Missing ? VLKXS_C_DBINIT : VLKXS_C_NOXS; }
@@ -270,7 +249,7 @@ SCMDSTATUS VLKXSSampleW(const SVLKXS *set, int32_t ish, double E, double u, doub
         // Elastic tables run over cosines: VLKXSSampleCos serves them.
         if (set->dim < 1 || set->dim > 2 || set->IA == 1) return VLKXS_C_DBINIT;
         double x = 0.0;
-        const Got g = mix(*sh, b, [u](const SVLKXSE &r, double &v, int32_t &hint) { return first_level(r, u, v, hint); }, x);
+        const Got g = mix(*sh, b, [u](const SVLKXSE &r, double &v) { return first_level(r, u, v); }, x);
         if (g != Got::Value) return code_of(g);
         // Ionisation grids hold fractions of WNorm.
         *W = set->IA == 2 ? x * vlk::wnorm(E, set->proj.type) : x;
@@ -288,8 +267,7 @@ Got cosine_at(const SVLKXSE &r, double w, double u, double &out) noexcept {
         return Got::Missing;
     const auto row = [&](int32_t k, double &v) {
         if (r.pdv2[k] == nullptr || r.pdvCum2[k] == nullptr || r.nv2[k] < 1) return Got::Missing;
-        int32_t hint = -1;
-        return invert(r.pdv2[k], r.pdvCum2[k], r.nv2[k], u, v, hint) ? Got::Value : Got::Empty;
+        return invert(r.pdv2[k], r.pdvCum2[k], r.nv2[k], u, v) ? Got::Value : Got::Empty;
     };
     const double *x = r.dv1;
     const int32_t n = r.n1;
@@ -333,9 +311,9 @@ SCMDSTATUS VLKXSSampleCos(const SVLKXS *set, int32_t ish, double E, double W, do
         if (set->dim == 2) {
             const double wn = set->IA == 2 ? vlk::wnorm(E, set->proj.type) : 0.0;
             const double w = wn != 0.0 ? W / wn : W;
-            g = mix(*sh, b, [w, u](const SVLKXSE &r, double &v, int32_t &) { return cosine_at(r, w, u, v); }, c);
+            g = mix(*sh, b, [w, u](const SVLKXSE &r, double &v) { return cosine_at(r, w, u, v); }, c);
         } else if (set->dim == 1 && set->IA == 1) {
-            g = mix(*sh, b, [u](const SVLKXSE &r, double &v, int32_t &hint) { return first_level(r, u, v, hint); }, c);
+            g = mix(*sh, b, [u](const SVLKXSE &r, double &v) { return first_level(r, u, v); }, c);
         }
         if (g != Got::Value) return code_of(g);
         *cosine = std::clamp(c, -1.0, 1.0);
