@@ -1,0 +1,12 @@
+// The vlkxs command-line tool.
+#include <cstdio>
+#include <cstring>
+
+int main(int argc, char **argv) {
+    if (argc > 1 && std::strcmp(argv[1], "--version") == 0) {
+        std::puts("vlkxs");
+        return 0;
+    }
+    std::fputs("usage: vlkxs COMMAND ...\n", stderr);
+    return 2;
+}
