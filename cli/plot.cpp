@@ -476,7 +476,7 @@ std::string plot_svg(const std::vector<const SVLKXS *> &sets, const std::vector<
     for (View &v : views) {
         if (!v.note.empty()) continue;
         if (v.xtitle != first->xtitle || v.ytitle != first->ytitle) {
-            v.note = "not drawn: its axes are " + v.xtitle + " and " + v.ytitle;
+            v.note = "not drawn: other quantities";
             continue;
         }
         shown.push_back(&v);
