@@ -52,6 +52,8 @@ int write_set(std::string_view cmd, std::string_view context, SVLKXS &set, const
     SafeWrite out(prefix);
     if (!out.ready()) return report_text(cmd, out.error());
     const std::string name = xs_file_name(set, mode);
+    Progress progress;
+    progress.show("writing " + prefix + name);
     if (what.xs) {
         out.add(name, SafeWrite::Check::xs);
         if (const SCMDSTATUS s = VLKXSWrite(&set, out.temp_prefix().c_str(), mode); failed(s))
@@ -69,6 +71,7 @@ int write_set(std::string_view cmd, std::string_view context, SVLKXS &set, const
     }
     std::vector<std::string> placed;
     const bool ok = out.commit(placed);
+    progress.clear();
     for (const std::string &path : placed) std::printf("%s\n", path.c_str());
     std::fflush(stdout);
     return ok ? kExitOk : report_text(cmd, out.error());

@@ -41,6 +41,9 @@ std::size_t utf8_length(std::string_view s) {
     return n;
 }
 
+// The progress line on show, if any.
+Progress *g_shown = nullptr;
+
 }  // namespace
 
 bool failed(const SCMDSTATUS &s) { return (s.level & VLKXS_LEVEL_SEVERE_MASK) != 0; }
@@ -72,6 +75,7 @@ std::string Fault::describe() const {
 }
 
 int report(std::string_view cmd, std::string_view context, const SCMDSTATUS &s) {
+    clear_progress();
     const std::string what = fault_of(s).describe();
     std::string line = "vlkxs ";
     line += cmd;
@@ -83,6 +87,7 @@ int report(std::string_view cmd, std::string_view context, const SCMDSTATUS &s) 
 }
 
 int report_text(std::string_view cmd, std::string_view text) {
+    clear_progress();
     std::fprintf(stderr, "vlkxs %.*s: %.*s\n", static_cast<int>(cmd.size()), cmd.data(), static_cast<int>(text.size()),
                  text.data());
     return kExitFailed;
@@ -123,6 +128,7 @@ void Progress::show(std::string_view text) {
     std::fprintf(stream_, "\r%.*s\033[K", static_cast<int>(text.size()), text.data());
     std::fflush(stream_);
     shown_ = true;
+    g_shown = this;
 }
 
 void Progress::clear() {
@@ -130,6 +136,11 @@ void Progress::clear() {
     std::fputs("\r\033[K", stream_);
     std::fflush(stream_);
     shown_ = false;
+    if (g_shown == this) g_shown = nullptr;
+}
+
+void clear_progress() {
+    if (g_shown != nullptr) g_shown->clear();
 }
 
 }  // namespace vlkcli

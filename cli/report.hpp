@@ -48,7 +48,8 @@ int report_text(std::string_view cmd, std::string_view text);
 std::string json_string(std::string_view text);
 
 // One line of progress on stderr, rewritten in place, when stderr is a
-// terminal (or `enabled` says so); nothing at all otherwise.
+// terminal (or `enabled` says so); nothing at all otherwise.  The tool's own
+// reports take the line away first (clear_progress).
 class Progress {
 public:
     Progress();
@@ -65,5 +66,8 @@ private:
     std::FILE *stream_;
     bool shown_ = false;
 };
+
+// Clears the progress line on show, if any, before other output.
+void clear_progress();
 
 }  // namespace vlkcli
