@@ -190,11 +190,13 @@ int cmd_dump(const Argv &argv) {
     std::fflush(stdout);
     std::fflush(stderr);
     const int saved = dup(STDERR_FILENO);
-    dup2(STDOUT_FILENO, STDERR_FILENO);
+    if (saved >= 0) dup2(STDOUT_FILENO, STDERR_FILENO);
     s = VLKXSInspect(&owned.set, mode);
     std::fflush(stderr);
-    dup2(saved, STDERR_FILENO);
-    close(saved);
+    if (saved >= 0) {
+        dup2(saved, STDERR_FILENO);
+        close(saved);
+    }
     return failed(s) ? report("dump", path, s) : kExitOk;
 }
 

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <iterator>
 
 #include "report.hpp"
 #include "vlkxs.h"
@@ -21,6 +22,7 @@ namespace {
 // and their directory, kept in fixed buffers, since a handler may neither
 // allocate nor list a directory.
 constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
+constexpr std::size_t kSignalCount = std::size(kSignals);
 constexpr int kMaxTemps = 8;
 char g_temp_dir[PATH_MAX];
 char g_temps[kMaxTemps][PATH_MAX];
@@ -71,6 +73,8 @@ std::string directory_of(const std::string &prefix) {
 
 }  // namespace
 
+static_assert(kSignalCount == SafeWrite::kSignalsHandled, "one saved action per signal");
+
 SafeWrite::SafeWrite(std::string target_prefix) : target_prefix_(std::move(target_prefix)) {
     const std::string dir = directory_of(target_prefix_);
     std::string templ = dir + "/.vlkxs-XXXXXX";
@@ -86,14 +90,14 @@ SafeWrite::SafeWrite(std::string target_prefix) : target_prefix_(std::move(targe
     struct sigaction act = {};
     act.sa_handler = remove_temps_and_die;
     sigemptyset(&act.sa_mask);
-    for (int i = 0; i < 4; ++i) sigaction(kSignals[i], &act, &saved_[i]);
+    for (std::size_t i = 0; i < kSignalCount; ++i) sigaction(kSignals[i], &act, &saved_[i]);
 }
 
 SafeWrite::~SafeWrite() {
     if (!ready()) return;
     std::error_code ec;
     std::filesystem::remove_all(temp_dir_, ec);
-    for (int i = 0; i < 4; ++i) sigaction(kSignals[i], &saved_[i], nullptr);
+    for (std::size_t i = 0; i < kSignalCount; ++i) sigaction(kSignals[i], &saved_[i], nullptr);
     g_ntemps = 0;
     g_temp_dir[0] = '\0';
 }

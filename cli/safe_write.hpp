@@ -13,6 +13,7 @@
 #pragma once
 
 #include <csignal>
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -22,6 +23,8 @@ namespace vlkcli {
 
 class SafeWrite {
 public:
+    static constexpr std::size_t kSignalsHandled = 4;  // SIGINT, SIGTERM, SIGHUP, SIGPIPE
+
     // `target_prefix` is put before every name, as the library's writers do:
     // "out/run-" gives "out/run-<name>".  The directory must exist.
     explicit SafeWrite(std::string target_prefix);
@@ -52,7 +55,7 @@ private:
 
     std::string target_prefix_, temp_dir_, temp_prefix_, error_;
     std::vector<std::pair<std::string, Check>> files_;
-    struct sigaction saved_[4] = {};
+    struct sigaction saved_[kSignalsHandled] = {};
 };
 
 // Writes `content` to `path`; false with the reason in `error` on failure.

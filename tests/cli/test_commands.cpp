@@ -73,6 +73,7 @@ TEST(List, EachFileListedFailuresReported) {
     EXPECT_EQ(r.status, 0);
     EXPECT_NE(r.out.find("projectile = electron"), std::string::npos) << r.out;
     EXPECT_EQ(r.out.find("==>"), std::string::npos);
+    EXPECT_NE(call(vlkcli::cmd_list, {"--trace", kTotal}).err.find("<D> vlkxs(Read)....."), std::string::npos);
     r = call(vlkcli::cmd_list, {kTotal, missing, kDouble, bad, "--quiet"});
     EXPECT_EQ(r.status, 1);
     EXPECT_NE(r.out.find("==> " + kDouble + " <==\n"), std::string::npos);
