@@ -14,7 +14,7 @@ std::optional<std::string> Args::value(std::string_view name) const {
     return it->second;
 }
 
-std::optional<Args> parse_args(const std::vector<std::string> &argv, std::span<const OptionSpec> specs,
+std::optional<Args> parse_args(const std::vector<std::string> &argv, std::span<const OptionDef> known,
                                std::string &error) {
     Args args;
     bool options_end = false;
@@ -39,12 +39,12 @@ std::optional<Args> parse_args(const std::vector<std::string> &argv, std::span<c
         // "--name=value" carries its value; "-o" and "--name" take the next argument.
         const std::size_t eq = arg.starts_with("--") ? arg.find('=') : std::string::npos;
         const std::string name = arg.substr(0, eq);
-        const auto spec = std::find_if(specs.begin(), specs.end(), [&](const OptionSpec &s) { return s.name == name; });
-        if (spec == specs.end()) {
+        const auto def = std::find_if(known.begin(), known.end(), [&](const OptionDef &o) { return o.name == name; });
+        if (def == known.end()) {
             error = "unknown option " + name;
             return std::nullopt;
         }
-        if (!spec->value) {
+        if (!def->value) {
             if (eq != std::string::npos) {
                 error = "option " + name + " takes no value";
                 return std::nullopt;

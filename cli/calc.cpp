@@ -31,16 +31,16 @@ constexpr std::string_view kCalcUsage =
     "A limit L is one value, two limits (\"0.01,100\"), or a list of three values\n"
     "or more; \"*\" is an open end.\n";
 
-constexpr OptionSpec kCalcOptions[] = {
-    {"--projectile", true}, {"--target", true},      {"--interaction", true}, {"--dim", true},      {"--method", true},
+constexpr OptionDef kCalcOptions[] = {
+    {"--projectile", true}, {"--target", true},      {"--interaction", true}, {"--dim", true},       {"--method", true},
     {"--energies", true},   {"--secondaries", true}, {"--angles", true},      {"--relchange", true}, {"-o", true}};
 
 // The words for an interaction or a dimension, and the library's tag of each.
 struct Word {
     std::string_view word, tag;
 };
-constexpr Word kInteractions[] = {{"i", "i"}, {"ionisation", "i"}, {"ionization", "i"}, {"l", "l"},
-                                  {"elastic", "l"}, {"x", "x"}, {"excitation", "x"}};
+constexpr Word kInteractions[] = {{"i", "i"},       {"ionisation", "i"}, {"ionization", "i"}, {"l", "l"},
+                                  {"elastic", "l"}, {"x", "x"},          {"excitation", "x"}};
 constexpr Word kDims[] = {{"t", "t"}, {"total", "t"}, {"s", "s"}, {"single", "s"}, {"d", "d"}, {"double", "d"}};
 
 const Word *find_word(std::span<const Word> words, std::string_view text) {
@@ -110,8 +110,8 @@ int cmd_calc(const Argv &argv) {
     }
     calc.relchange = relchange;
 
-    const std::string what = projectile + " in " + target + ", " + std::string(ia->word) + " " +
-                             std::string(dim->word) + ", " + method;
+    const std::string what =
+        projectile + " in " + target + ", " + std::string(ia->word) + " " + std::string(dim->word) + ", " + method;
     // A failed calculation empties the set, its projectile included.
     const std::string model = default_method(set.proj.type, ia_tag);
     Progress progress;
@@ -127,8 +127,8 @@ int cmd_calc(const Argv &argv) {
         return kExitFailed;
     }
     if (set.nShell == 0) return report_text("calc", what + ": the library has no model for it, nothing calculated");
-    return write_set("calc", what, set, as_prefix(args->value("-o").value_or("")), {.xs = true, .gd = true, .svg = true},
-                     mode);
+    return write_set("calc", what, set, as_prefix(args->value("-o").value_or("")),
+                     {.xs = true, .gd = true, .svg = true}, mode);
 }
 
 }  // namespace vlkcli

@@ -78,7 +78,7 @@ constexpr std::string_view kPlotUsage =
     "Reads and completes each xs file and plots them all in one SVG document,\n"
     "each labelled by its file name.  OUT.svg is written whole or not at all.\n";
 
-constexpr OptionSpec kOutputOption[] = {{"-o", true}};
+constexpr OptionDef kOutputOption[] = {{"-o", true}};
 
 // The progress text of file n of N.
 std::string reading(const std::string &path, std::size_t n, std::size_t count) {
@@ -100,8 +100,8 @@ int write_each(std::string_view cmd, std::string_view usage, const Argv &argv, O
         OwnedSet owned;
         const SCMDSTATUS s = load(owned.set, path, args->mode);
         progress.clear();
-        const int status = failed(s) ? report(cmd, path, s)
-                                     : write_set(cmd, path, owned.set, as_prefix(*prefix), what, args->mode);
+        const int status =
+            failed(s) ? report(cmd, path, s) : write_set(cmd, path, owned.set, as_prefix(*prefix), what, args->mode);
         if (status != kExitOk) exit = status;
     }
     return exit;
@@ -134,9 +134,9 @@ int cmd_list(const Argv &argv) {
 }
 
 int cmd_check(const Argv &argv) {
-    static constexpr OptionSpec specs[] = {{"--json", false}};
+    static constexpr OptionDef known[] = {{"--json", false}};
     int exit = kExitOk;
-    const auto args = command_args("check", kCheckUsage, argv, specs, exit);
+    const auto args = command_args("check", kCheckUsage, argv, known, exit);
     if (!args) return exit;
     if (args->operands.empty()) return usage_error("check", "no file", kCheckUsage);
     const bool json = args->has("--json");
@@ -159,10 +159,10 @@ int cmd_check(const Argv &argv) {
             continue;
         }
         const auto text_or_null = [](const std::string &t) { return t.empty() ? std::string("null") : json_string(t); };
-        std::printf("{\"file\":%s,\"ok\":%s,\"code\":%d,\"message\":%s,\"origin\":%s,\"line\":%d,\"item\":%s,\"text\":%s}\n",
-                    json_string(path).c_str(), ok ? "true" : "false", f.code,
-                    ok ? "null" : json_string(f.message).c_str(), text_or_null(f.origin).c_str(), f.line,
-                    text_or_null(f.item).c_str(), text_or_null(f.text).c_str());
+        std::printf(
+            "{\"file\":%s,\"ok\":%s,\"code\":%d,\"message\":%s,\"origin\":%s,\"line\":%d,\"item\":%s,\"text\":%s}\n",
+            json_string(path).c_str(), ok ? "true" : "false", f.code, ok ? "null" : json_string(f.message).c_str(),
+            text_or_null(f.origin).c_str(), f.line, text_or_null(f.item).c_str(), text_or_null(f.text).c_str());
     }
     std::fflush(stdout);
     return exit;
@@ -173,9 +173,9 @@ int cmd_complete(const Argv &argv) { return write_each("complete", kCompleteUsag
 int cmd_gd(const Argv &argv) { return write_each("gd", kGdUsage, argv, Outputs{.gd = true}); }
 
 int cmd_dump(const Argv &argv) {
-    static constexpr OptionSpec specs[] = {{"--deep", false}, {"--forced", false}, {"--complete", false}};
+    static constexpr OptionDef known[] = {{"--deep", false}, {"--forced", false}, {"--complete", false}};
     int exit = kExitOk;
-    const auto args = command_args("dump", kDumpUsage, argv, specs, exit);
+    const auto args = command_args("dump", kDumpUsage, argv, known, exit);
     if (!args) return exit;
     if (args->operands.size() != 1) return usage_error("dump", "one file, please", kDumpUsage);
     const std::string &path = args->operands[0];
@@ -183,8 +183,8 @@ int cmd_dump(const Argv &argv) {
     SCMDSTATUS s = VLKXSRead(&owned.set, path.c_str(), args->mode);
     if (!failed(s) && args->has("--complete")) s = VLKXSComplete(&owned.set, args->mode);
     if (failed(s)) return report("dump", path, s);
-    const int32_t mode = args->mode | (args->has("--deep") ? VLKXS_MODE_DEEP : 0) |
-                         (args->has("--forced") ? VLKXS_MODE_FORCED : 0);
+    const int32_t mode =
+        args->mode | (args->has("--deep") ? VLKXS_MODE_DEEP : 0) | (args->has("--forced") ? VLKXS_MODE_FORCED : 0);
     // The library dumps on stderr; the dump is this command's data, so it is
     // sent to stdout for the time of the call.
     std::fflush(stdout);

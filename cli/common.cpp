@@ -16,9 +16,9 @@ int usage_error(std::string_view cmd, std::string_view why, std::string_view usa
 }
 
 std::optional<Args> command_args(std::string_view cmd, std::string_view usage, const std::vector<std::string> &argv,
-                                 std::span<const OptionSpec> specs, int &exit) {
+                                 std::span<const OptionDef> known, int &exit) {
     std::string error;
-    std::optional<Args> args = parse_args(argv, specs, error);
+    std::optional<Args> args = parse_args(argv, known, error);
     if (!args) {
         exit = usage_error(cmd, error, usage);
     } else if (args->help) {

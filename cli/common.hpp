@@ -26,7 +26,7 @@ struct OwnedSet {
 // with: --help printed `usage` on stdout (`exit` 0), or the line was wrong
 // and the reason and `usage` went to stderr (`exit` 2).
 std::optional<Args> command_args(std::string_view cmd, std::string_view usage, const std::vector<std::string> &argv,
-                                 std::span<const OptionSpec> specs, int &exit);
+                                 std::span<const OptionDef> known, int &exit);
 // Prints "vlkxs CMD: WHY" and the usage on stderr; returns the usage status.
 int usage_error(std::string_view cmd, std::string_view why, std::string_view usage);
 

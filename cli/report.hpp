@@ -22,12 +22,12 @@ bool failed(const SCMDSTATUS &s);
 // library's texts behind `item` and `text` don't outlive the next call.
 struct Fault {
     int code = 0;
-    std::string message;   // the row of cvMsg
-    std::string origin;    // "vlkxs(Read)"
-    std::string file;      // file being read, or ""
-    int line = 0;          // its line, from 1; 0 for none
-    std::string item;      // offending item or location text, or ""
-    std::string text;      // the line of the file, or ""
+    std::string message;  // the row of cvMsg
+    std::string origin;   // "vlkxs(Read)"
+    std::string file;     // file being read, or ""
+    int line = 0;         // its line, from 1; 0 for none
+    std::string item;     // offending item or location text, or ""
+    std::string text;     // the line of the file, or ""
 
     // "file:line" for a fault in a file, else the item; "" for neither.
     std::string location() const;

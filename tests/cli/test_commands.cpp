@@ -162,8 +162,7 @@ TEST(Complete, BadInputAndUnwritableOutput) {
     // A prefix under a regular file can't be written, whoever runs the test.
     Result r = call(vlkcli::cmd_complete, {kTotal, "-o", dir.prefix() + "file/"});
     EXPECT_EQ(r.status, 1);
-    EXPECT_NE(r.err.find("vlkxs complete: can't write in " + dir.prefix() + "file: Not a directory"),
-              std::string::npos)
+    EXPECT_NE(r.err.find("vlkxs complete: can't write in " + dir.prefix() + "file: Not a directory"), std::string::npos)
         << r.err;
     r = call(vlkcli::cmd_complete, {dir.prefix() + "missing.xs", kSingle, "-o", dir.prefix() + "run-"});
     EXPECT_EQ(r.status, 1);
@@ -248,8 +247,10 @@ TEST(Calc, FailuresWriteNothing) {
     };
     for (const auto &[args, message] : cases) {
         std::string line = args;
-        if (line == "-o FILE/") line = "-o " + dir.prefix() + "file/";
-        else line += " -o " + dir.prefix();
+        if (line == "-o FILE/")
+            line = "-o " + dir.prefix() + "file/";
+        else
+            line += " -o " + dir.prefix();
         const Result r = call(vlkcli::cmd_calc, words(line));
         EXPECT_EQ(r.status, 1) << args;
         EXPECT_NE(r.err.find(message), std::string::npos) << args << "\n" << r.err;

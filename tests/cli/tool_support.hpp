@@ -41,8 +41,8 @@ inline Result call(int (*cmd)(const vlkcli::Argv &), const vlkcli::Argv &argv) {
 
 // The built program run in `dir` by the shell, with `env` assignments before it.
 inline Result tool(const std::string &args, const TempDir &dir, const std::string &env = "") {
-    const std::string line = "cd '" + dir.path().string() + "' && " + env + " '" VLKXS_TOOL "' " + args +
-                             " >.out 2>.err";
+    const std::string line =
+        "cd '" + dir.path().string() + "' && " + env + " '" VLKXS_TOOL "' " + args + " >.out 2>.err";
     const int rc = std::system(line.c_str());
     return {WIFEXITED(rc) ? WEXITSTATUS(rc) : 128 + WTERMSIG(rc), read_file(dir.path() / ".out"),
             read_file(dir.path() / ".err")};
@@ -84,9 +84,12 @@ inline std::map<std::string, std::string> parse_object(const std::string &text) 
             }
             const unsigned long cp = std::stoul(text.substr(i + 1, 4), nullptr, 16);
             i += 4;
-            if (cp < 0x80) out += char(cp);
-            else if (cp < 0x800) (out += char(0xc0 | cp >> 6)) += char(0x80 | (cp & 0x3f));
-            else ((out += char(0xe0 | cp >> 12)) += char(0x80 | (cp >> 6 & 0x3f))) += char(0x80 | (cp & 0x3f));
+            if (cp < 0x80)
+                out += char(cp);
+            else if (cp < 0x800)
+                (out += char(0xc0 | cp >> 6)) += char(0x80 | (cp & 0x3f));
+            else
+                ((out += char(0xe0 | cp >> 12)) += char(0x80 | (cp >> 6 & 0x3f))) += char(0x80 | (cp & 0x3f));
         }
         return i++ < text.size();
     };
