@@ -1,14 +1,4 @@
-// The vlkxs command-line tool.
-#include <cstdio>
-#include <cstring>
+// The vlkxs command-line tool: the commands live in the tool's library.
+#include "commands.hpp"
 
-#include "version.hpp"
-
-int main(int argc, char **argv) {
-    if (argc > 1 && std::strcmp(argv[1], "--version") == 0) {
-        std::printf("vlkxs %s\n", vlkcli::version());
-        return 0;
-    }
-    std::fputs("usage: vlkxs COMMAND ...\n", stderr);
-    return 2;
-}
+int main(int argc, char **argv) { return vlkcli::run(argc, argv); }
