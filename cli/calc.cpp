@@ -1,5 +1,7 @@
 // vlkxs calc: a set calculated by a model, written as xs, gd and SVG files.
+#include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 
 #include "commands.hpp"
@@ -64,6 +66,22 @@ struct OwnedRequest {
 
 }  // namespace
 
+// What was calculated, in a few lines below the names of the files: the
+// sum shell (or the only shell) at ten energies spread over the grid.
+void summary(const SVLKXS &set) {
+    const SVLKXSSH &sh = set.pShell[set.nShell - 1];
+    if (sh.pE == nullptr || sh.nE < 1) return;
+    std::printf("\n%s in %s, %s:\n%12s %14s %14s %16s\n", set.proj.name, set.targ.name,
+                sh.shell == 0 ? "sum of shells" : "the one shell", set.proj.type == VLKPROJ_ION ? "E (MeV/u)" : "E (keV)",
+                "sigma (cm2)", "Ekin (keV)", "LET (keV cm2/g)");
+    const int32_t rows = std::min(sh.nE, 10);
+    for (int32_t r = 0; r < rows; ++r) {
+        const auto j = rows > 1 ? static_cast<int32_t>(std::lround(r * (sh.nE - 1.0) / (rows - 1))) : 0;
+        const SVLKXSE &e = sh.pE[j];
+        std::printf("%12.5g %14.5g %14.5g %16.5g\n", e.E, e.sigtot, e.Ekin, e.LET);
+    }
+}
+
 int cmd_calc(const Argv &argv) {
     int exit = kExitOk;
     const auto args = command_args("calc", kCalcUsage, argv, kCalcOptions, exit);
@@ -127,8 +145,10 @@ int cmd_calc(const Argv &argv) {
         return kExitFailed;
     }
     if (set.nShell == 0) return report_text("calc", what + ": the library has no model for it, nothing calculated");
-    return write_set("calc", what, set, as_prefix(args->value("-o").value_or("")),
-                     {.xs = true, .gd = true, .svg = true}, mode);
+    const int written = write_set("calc", what, set, as_prefix(args->value("-o").value_or("")),
+                                  {.xs = true, .gd = true, .svg = true}, mode);
+    if (written == 0) summary(set);
+    return written;
 }
 
 }  // namespace vlkcli

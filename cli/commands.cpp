@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "common.hpp"
-#include "plotter.hpp"
+#include "plot.hpp"
 #include "report.hpp"
 #include "safe_write.hpp"
 #include "version.hpp"

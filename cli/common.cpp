@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "plotter.hpp"
+#include "plot.hpp"
 #include "report.hpp"
 #include "safe_write.hpp"
 

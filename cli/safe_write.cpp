@@ -77,6 +77,10 @@ static_assert(kSignalCount == SafeWrite::kSignalsHandled, "one saved action per 
 
 SafeWrite::SafeWrite(std::string target_prefix) : target_prefix_(std::move(target_prefix)) {
     const std::string dir = directory_of(target_prefix_);
+    // An output directory that doesn't exist yet is made, as a user of
+    // "-o out/" expects; one that can't be made shows in mkdtemp's error.
+    std::error_code ec;
+    std::filesystem::create_directories(dir, ec);
     std::string templ = dir + "/.vlkxs-XXXXXX";
     if (mkdtemp(templ.data()) == nullptr) {
         error_ = "can't write in " + dir + ": " + errno_text();

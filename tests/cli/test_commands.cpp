@@ -193,7 +193,10 @@ TEST(Calc, WithoutOptionsBebIonisationOfWater) {
     TempDir dir;
     const Result r = tool("calc", dir);
     EXPECT_EQ(r.status, 0) << r.err;
-    EXPECT_EQ(r.out, "e.H2O.it.xs\ne.H2O.it.xs.gd\ne.H2O.it.xs.svg\n");
+    // The files written, then a table of the sum shell from 10 eV to 10 MeV.
+    EXPECT_TRUE(r.out.starts_with("e.H2O.it.xs\ne.H2O.it.xs.gd\ne.H2O.it.xs.svg\n\nelectron in H2O")) << r.out;
+    EXPECT_EQ(count_lines(r.out, "        0.01 "), 1);
+    EXPECT_EQ(count_lines(r.out, "       10000 "), 1);
     // Not a terminal: no progress line.
     EXPECT_EQ(r.err, "");
     SVLKXS set;
