@@ -44,8 +44,9 @@ class _Memory:
 
 
 SecondLevel = collections.namedtuple("SecondLevel", "grids values cumulated")
-SecondLevel.__doc__ = """Second-level tables of a record, one array for each first-level point
-(None where a row is missing): grids, differential values, cumulated values."""
+SecondLevel.__doc__ = """Second-level tables of a record: grids, differential values and
+cumulated values, each a list with one view for each first-level point (None
+for a missing row), or None for a table the record lacks."""
 
 
 class Record:
