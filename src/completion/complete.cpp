@@ -87,6 +87,19 @@ int32_t create_sum_shell(SVLKXS &set) {
 
 // --- Stage 2: one energy record ------------------------------------------
 
+// Divides n values by `by`.  Multiplying by the reciprocal is the fast way,
+// but below about 5.6e-309 (a subnormal total, WNorm of a subnormal energy)
+// the reciprocal overflows to infinity, and 0 times it would give NaN and
+// the largest value infinity instead of 1: such a divisor divides.
+void scale_down(double *v, int32_t n, double by) {
+    const double scale = 1.0 / by;
+    if (std::isfinite(scale)) {
+        vsmul(v, 1, scale, v, 1, n);
+        return;
+    }
+    for (int32_t i = 0; i < n; ++i) v[i] /= by;
+}
+
 using vlk::charged;
 
 // gamma, beta2, Escal and WNorm from E; WNorm stays as it was for
@@ -130,7 +143,7 @@ int32_t integrate_energies(SVLKXSE &e, int32_t IA) {
     vtrapz(e.dv1, 1, e.dvSig1, 1, e.dvCum1, 1, e.n1);
     e.sigtot = e.dvCum1[e.n1 - 1];
     e.Ekin = vtrapz1(e.dv1, 1, e.dvSig1, 1, nullptr, 1, e.n1);
-    if (IA == 2 && e.WNorm != 0.0) vsmul(e.dv1, 1, 1.0 / e.WNorm, e.dv1, 1, e.n1);
+    if (IA == 2 && e.WNorm != 0.0) scale_down(e.dv1, e.n1, e.WNorm);
     return VLKXS_C_OK;
 }
 
@@ -230,7 +243,7 @@ void divide_sums(SVLKXSSH &sum) {
 // (all zero, negative, NaN) stays as it is.
 void normalise(double *cum, int32_t n) {
     const double last = cum[n - 1];
-    if (last > 0.0) vsmul(cum, 1, 1.0 / last, cum, 1, n);
+    if (last > 0.0) scale_down(cum, n, last);
 }
 
 void normalise_all(SVLKXS &set) {

@@ -80,4 +80,25 @@ TEST(Regression, CompletingAShallowSetLeavesTheSourcesShellsAlone) {
     VLKXSFree(&source, 0);
 }
 
+// Completion scaled cumulated tables and ionisation grids by the reciprocal
+// of their end or of WNorm, which is infinite for a subnormal one: a table
+// of a subnormal total became NaN and infinity, and the set invalid.  Such
+// a divisor now divides.
+TEST(Regression, SubnormalTotalsCompleteToTablesEndingAtOne) {
+    vlktest::TempDir dir;
+    const std::string head = "!filetype xs i,s\n!fileversion 1\n!target H2O\n!projectile e\n!shell 1\n";
+    for (const char *tail : {"!eproj 2\n0 1\n1e-320 1\n", "!eproj 1e-320\n0 1\n1 1\n"}) {
+        SCOPED_TRACE(tail);
+        SVLKXS set;
+        ASSERT_EQ(VLKXSRead(&set, dir.write("sub.xs", head + tail).c_str(), 0).code, 0);
+        ASSERT_EQ(VLKXSComplete(&set, 0).code, 0);
+        const SVLKXSE &e = set.pShell[0].pE[0];
+        EXPECT_EQ(e.dvCum1[0], 0.0);
+        EXPECT_EQ(e.dvCum1[1], 1.0);
+        EXPECT_EQ(e.dv1[0], 0.0);  // 0 in fractions of any WNorm, never NaN
+        EXPECT_EQ(VLKXSIsValid(&set, 0).code, 0);
+        VLKXSFree(&set, 0);
+    }
+}
+
 }  // namespace
