@@ -21,9 +21,13 @@ void known(const SCMDSTATUS &st) {
     if (st.code < 0 || st.code >= VLKXS_C_COUNT) std::abort();
 }
 
-void require(bool property) {
-    if (!property) std::abort();
+// A broken property names its line before the abort.
+void require_at(bool property, int line) {
+    if (property) return;
+    std::fprintf(stderr, "vlkxs fuzz: property of entries.cpp:%d broken\n", line);
+    std::abort();
 }
+#define require(property) require_at((property), __LINE__)
 
 // Files of this process: the input, and the prefix that the writer extends.
 const std::string &scratch_base() {
@@ -38,7 +42,7 @@ const std::string &scratch_base() {
 bool write_file(const std::string &path, const uint8_t *data, size_t size) {
     std::FILE *f = std::fopen(path.c_str(), "wb");
     if (f == nullptr) return false;
-    const bool ok = std::fwrite(data, 1, size, f) == size;
+    const bool ok = size == 0 || std::fwrite(data, 1, size, f) == size;
     return std::fclose(f) == 0 && ok;
 }
 
@@ -48,9 +52,10 @@ std::string printed(double v) {
     return buf;
 }
 
-// Two numbers that the file gives with six significant digits.
+// Two numbers that the file gives with six significant digits.  A NaN is
+// printed "NAN" and read back as a NaN.
 bool close(double a, double b) {
-    if (a == b) return true;
+    if (a == b || (std::isnan(a) && std::isnan(b))) return true;
     if (std::isnan(a) || std::isnan(b)) return false;
     const double scale = std::max(std::fabs(a), std::fabs(b));
     return std::fabs(a - b) <= 1e-5 * scale || std::fabs(a - b) < 1e-300;
