@@ -130,7 +130,14 @@ int32_t integrate_energies(SVLKXSE &e, int32_t IA) {
     vtrapz(e.dv1, 1, e.dvSig1, 1, e.dvCum1, 1, e.n1);
     e.sigtot = e.dvCum1[e.n1 - 1];
     e.Ekin = vtrapz1(e.dv1, 1, e.dvSig1, 1, nullptr, 1, e.n1);
-    if (IA == 2 && e.WNorm != 0.0) vsmul(e.dv1, 1, 1.0 / e.WNorm, e.dv1, 1, e.n1);
+    if (IA == 2 && e.WNorm != 0.0) {
+        // The grid must come back when multiplied by WNorm again (the writer
+        // and the samplers do).  An infinite WNorm (E beyond about 1e154 keV)
+        // or one whose reciprocal overflows (E of a few 1e-309 keV) would
+        // leave zeros, infinities or NaNs in its place.
+        if (std::isinf(e.WNorm) || std::isinf(1.0 / e.WNorm)) return VLKXS_C_ENERGY;
+        vsmul(e.dv1, 1, 1.0 / e.WNorm, e.dv1, 1, e.n1);
+    }
     return VLKXS_C_OK;
 }
 

@@ -81,3 +81,17 @@ TEST(Regression, CompletingAShallowSetLeavesTheSourcesShellsAlone) {
 }
 
 }  // namespace
+
+// A grid in fractions of an infinite WNorm, or of one whose reciprocal
+// overflows, came back from the writer as NANs and INFs in a file that said
+// the set was valid.  Completion refuses such a record now.
+TEST(Regression, CompletionRefusesAGridThatFractionsOfWNormLose) {
+    vlktest::TempDir dir;
+    for (const char *E : {"1e200", "1e-320", "inf"}) {
+        const std::string path = dir.write("e.xs", kHead + "!shell 1\n!eproj " + E + "\n0 1e-16\n1 1e-17\n");
+        SVLKXS set;
+        ASSERT_EQ(VLKXSRead(&set, path.c_str(), VLKXS_MODE_QUIET).code, 0) << E;
+        EXPECT_EQ(VLKXSComplete(&set, VLKXS_MODE_QUIET).code, VLKXS_C_ENERGY) << E;
+        VLKXSFree(&set, 0);
+    }
+}
