@@ -460,7 +460,9 @@ VLKXS_API SCMDSTATUS VLKXSIsEquivW(SVLKXS *set, double limit, int32_t mode);
  * record array, a target without a shell table, or, where a sum shell is to
  * be made, a shell larger than the first shell or a set with
  * VLKXS_FLAG_SHALLOW, whose pShell belongs to another set and can't grow
- * (both refused before anything changes); 21 for a dim other than 0, 1, 2; 62 for a shell number outside
+ * (both refused before anything changes); 21 for a dim other than 0, 1, 2; 9 for an ionisation
+ * record of dim 1 or 2 whose WNorm or 1/WNorm is infinite, so that its grid
+ * can't be held in fractions of WNorm (`item` null); 62 for a shell number outside
  * 0..targ.nShell (nothing changed); 1 for a failed allocation.  Nothing is
  * rolled back after the arrangement: the set stays safe to release. */
 VLKXS_API SCMDSTATUS VLKXSComplete(SVLKXS *set, int32_t mode);

@@ -88,7 +88,7 @@ int32_t create_sum_shell(SVLKXS &set) {
 // --- Stage 2: one energy record ------------------------------------------
 
 // Divides n values by `by`.  Multiplying by the reciprocal is the fast way,
-// but below about 5.6e-309 (a subnormal total, WNorm of a subnormal energy)
+// but below about 5.6e-309 (a subnormal total)
 // the reciprocal overflows to infinity, and 0 times it would give NaN and
 // the largest value infinity instead of 1: such a divisor divides.
 void scale_down(double *v, int32_t n, double by) {
@@ -143,7 +143,14 @@ int32_t integrate_energies(SVLKXSE &e, int32_t IA) {
     vtrapz(e.dv1, 1, e.dvSig1, 1, e.dvCum1, 1, e.n1);
     e.sigtot = e.dvCum1[e.n1 - 1];
     e.Ekin = vtrapz1(e.dv1, 1, e.dvSig1, 1, nullptr, 1, e.n1);
-    if (IA == 2 && e.WNorm != 0.0) scale_down(e.dv1, e.n1, e.WNorm);
+    if (IA == 2 && e.WNorm != 0.0) {
+        // The grid must come back when multiplied by WNorm again (the writer
+        // and the samplers do).  An infinite WNorm (E beyond about 1e154 keV)
+        // or one whose reciprocal overflows (E of a few 1e-309 keV) would
+        // leave zeros, infinities or NaNs in its place.
+        if (std::isinf(e.WNorm) || std::isinf(1.0 / e.WNorm)) return VLKXS_C_ENERGY;
+        vsmul(e.dv1, 1, 1.0 / e.WNorm, e.dv1, 1, e.n1);
+    }
     return VLKXS_C_OK;
 }
 

@@ -87,7 +87,8 @@ TEST(Regression, CompletingAShallowSetLeavesTheSourcesShellsAlone) {
 TEST(Regression, SubnormalTotalsCompleteToTablesEndingAtOne) {
     vlktest::TempDir dir;
     const std::string head = "!filetype xs i,s\n!fileversion 1\n!target H2O\n!projectile e\n!shell 1\n";
-    for (const char *tail : {"!eproj 2\n0 1\n1e-320 1\n", "!eproj 1e-320\n0 1\n1 1\n"}) {
+    // (A subnormal primary energy is refused: its WNorm can't hold the grid.)
+    for (const char *tail : {"!eproj 2\n0 1\n1e-320 1\n"}) {
         SCOPED_TRACE(tail);
         SVLKXS set;
         ASSERT_EQ(VLKXSRead(&set, dir.write("sub.xs", head + tail).c_str(), 0).code, 0);
@@ -102,3 +103,17 @@ TEST(Regression, SubnormalTotalsCompleteToTablesEndingAtOne) {
 }
 
 }  // namespace
+
+// A grid in fractions of an infinite WNorm, or of one whose reciprocal
+// overflows, came back from the writer as NANs and INFs in a file that said
+// the set was valid.  Completion refuses such a record now.
+TEST(Regression, CompletionRefusesAGridThatFractionsOfWNormLose) {
+    vlktest::TempDir dir;
+    for (const char *E : {"1e200", "1e-320", "inf"}) {
+        const std::string path = dir.write("e.xs", kHead + "!shell 1\n!eproj " + E + "\n0 1e-16\n1 1e-17\n");
+        SVLKXS set;
+        ASSERT_EQ(VLKXSRead(&set, path.c_str(), VLKXS_MODE_QUIET).code, 0) << E;
+        EXPECT_EQ(VLKXSComplete(&set, VLKXS_MODE_QUIET).code, VLKXS_C_ENERGY) << E;
+        VLKXSFree(&set, 0);
+    }
+}

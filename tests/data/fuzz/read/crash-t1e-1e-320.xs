@@ -1,0 +1,8 @@
+!filetype xs i,s
+!fileversion 1
+!target H2O
+!projectile e
+!shell 1
+!eproj 1e-320
+0 1e-16
+1 1e-17

@@ -1,0 +1,1 @@
+!filetype xs q,t

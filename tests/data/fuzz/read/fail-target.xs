@@ -1,0 +1,3 @@
+!filetype xs i,t
+!fileversion 1
+!target Kr

@@ -1,0 +1,6 @@
+!filetype xs i,t
+!fileversion 1
+!target H2O
+!projectile e
+!shell 1
+1
