@@ -15,7 +15,10 @@ import numpy as np
 import vlkxs
 
 DATA = os.environ.get("VLKXS_TEST_DATA", os.path.join(os.path.dirname(__file__), "..", "..", "tests", "data"))
-FILES = ["e.H2O.it.xs", "e.H2O.is.xs", "p.H2O.id.xs"]
+EXAMPLES = os.environ.get("VLKXS_EXAMPLE_DATA", os.path.join(os.path.dirname(__file__), "..", "..", "examples", "data"))
+# The hand-made test files, and the calculated examples of every interaction and dimension.
+FILES = [os.path.join(DATA, n) for n in ("e.H2O.it.xs", "e.H2O.is.xs", "p.H2O.id.xs")] + sorted(
+    os.path.join(EXAMPLES, n) for n in os.listdir(EXAMPLES) if n.endswith(".xs"))
 QUIET = 0x40000000
 
 
@@ -38,9 +41,9 @@ for _name, _args in {"VLKXSRead": [c_void_p, c_char_p], "VLKXSComplete": [c_void
 class RawSet:
     """A set read and completed by the C library alone, held as opaque bytes."""
 
-    def __init__(self, name):
+    def __init__(self, path):
         self.buf = ctypes.create_string_buffer(4096)
-        assert RAW.VLKXSRead(self.buf, os.path.join(DATA, name).encode(), QUIET).code == 0
+        assert RAW.VLKXSRead(self.buf, path.encode(), QUIET).code == 0
         assert RAW.VLKXSComplete(self.buf, QUIET).code == 0
 
     def __del__(self):
@@ -53,10 +56,10 @@ class RawSet:
         return st.code if st.level else tuple(o.value for o in outs)
 
 
-def data_rows(name):
+def data_rows(path):
     """Data lines of an xs file: {(shell, eproj, esec): [[numbers], ...]}."""
     rows, key = {}, [None, None, None]
-    with open(os.path.join(DATA, name)) as f:
+    with open(path) as f:
         for line in f:
             words = line.split()
             if not words or words[0].startswith("#"):
@@ -77,9 +80,9 @@ def points(cum):
 class ReadTest(unittest.TestCase):
     def test_records_and_tables_agree_with_the_c_api_and_the_file(self):
         for name in FILES:
-            with self.subTest(name), vlkxs.read(os.path.join(DATA, name)) as xs:
+            with self.subTest(name), vlkxs.read(name) as xs:
                 raw, rows = RawSet(name), data_rows(name)
-                self.assertEqual(xs.infile, os.path.join(DATA, name))
+                self.assertEqual(xs.infile, name)
                 for i, sh in enumerate(xs.shells):
                     recs = sh.energies
                     np.testing.assert_array_equal(sh.E, [r.E for r in recs])
@@ -197,9 +200,9 @@ class FileTest(unittest.TestCase):
         os.makedirs(parent, exist_ok=True)
         with tempfile.TemporaryDirectory(dir=parent) as tmp:
             for name in FILES:
-                with self.subTest(name), vlkxs.read(os.path.join(DATA, name)) as xs:
+                with self.subTest(name), vlkxs.read(name) as xs:
                     path = xs.write(tmp + "/")
-                    self.assertEqual(os.path.basename(path), name)
+                    self.assertEqual(os.path.basename(path), os.path.basename(name))
                     self.assertTrue(os.path.isfile(xs.export_gd(tmp + "/")))
                     back = vlkxs.read(path)
                     for a, b in zip(xs.shells[:-1], back.shells):  # sum shells are made anew
@@ -261,7 +264,7 @@ class SamplingTest(unittest.TestCase):
                  ("p.H2O.id.xs", 0, (100, 200), 100)]
         for name, ish, (lo, hi), common in cases:
             with self.subTest(name):
-                xs, raw = vlkxs.read(os.path.join(DATA, name)), RawSet(name)
+                xs, raw = vlkxs.read(os.path.join(DATA, name)), RawSet(os.path.join(DATA, name))
                 E = rng.uniform(lo, hi, (3, 4))
                 u = rng.uniform(0, 1, (3, 4))
                 expect = lambda fn, *cols, **kw: np.array(
