@@ -68,12 +68,14 @@ struct OwnedRequest {
 
 // What was calculated, in a few lines below the names of the files: the
 // sum shell (or the only shell) at ten energies spread over the grid.
+// For elastic tables over the cosine the mean of the table is a mean
+// cosine, not an energy.
 void summary(const SVLKXS &set) {
     const SVLKXSSH &sh = set.pShell[set.nShell - 1];
     if (sh.pE == nullptr || sh.nE < 1) return;
     std::printf("\n%s in %s, %s:\n%12s %14s %14s %16s\n", set.proj.name, set.targ.name,
                 sh.shell == 0 ? "sum of shells" : "the one shell", set.proj.type == VLKPROJ_ION ? "E (MeV/u)" : "E (keV)",
-                "sigma (cm2)", "Ekin (keV)", "LET (keV cm2/g)");
+                "sigma (cm2)", set.IA == 1 && set.dim == 1 ? "mean cos" : "Ekin (keV)", "LET (keV cm2/g)");
     const int32_t rows = std::min(sh.nE, 10);
     for (int32_t r = 0; r < rows; ++r) {
         const auto j = rows > 1 ? static_cast<int32_t>(std::lround(r * (sh.nE - 1.0) / (rows - 1))) : 0;

@@ -47,6 +47,27 @@ std::string xs_file_name(SVLKXS &set, int32_t mode) {
     return text(set.proj.symbol) + "." + text(set.targ.name) + "." + text(set.IAtag) + text(set.dimtag) + ".xs";
 }
 
+namespace {
+
+// The xs writer prints the first-level grid times each record's WNorm, for
+// every interaction.  Ionisation grids are stored as fractions of WNorm, so
+// the two cancel; the cosines of an elastic set (or any other non-ionisation
+// grid) come out scaled, and a file read back holds them so.  Says so, once.
+void warn_scaled_grid(std::string_view cmd, const SVLKXS &set, const std::string &name, int32_t mode) {
+    if (set.IA == 2 || set.dim < 1 || (mode & VLKXS_MODE_QUIET) != 0) return;
+    for (int32_t i = 0; i < set.nShell; ++i)
+        for (int32_t j = 0; j < set.pShell[i].nE; ++j)
+            if (const double w = set.pShell[i].pE[j].WNorm; w != 1.0) {
+                std::fprintf(stderr,
+                             "vlkxs %.*s: warning: %s holds the first column times WNorm (%g at E = %g), as the xs "
+                             "format writes it for every interaction: read back, it is no longer in its own unit\n",
+                             static_cast<int>(cmd.size()), cmd.data(), name.c_str(), w, set.pShell[i].pE[j].E);
+                return;
+            }
+}
+
+}  // namespace
+
 int write_set(std::string_view cmd, std::string_view context, SVLKXS &set, const std::string &prefix, Outputs what,
               int32_t mode) {
     SafeWrite out(prefix);
@@ -56,6 +77,7 @@ int write_set(std::string_view cmd, std::string_view context, SVLKXS &set, const
     progress.show("writing " + prefix + name);
     if (what.xs) {
         out.add(name, SafeWrite::Check::xs);
+        warn_scaled_grid(cmd, set, name, mode);
         if (const SCMDSTATUS s = VLKXSWrite(&set, out.temp_prefix().c_str(), mode); failed(s))
             return report(cmd, context, s);
     }

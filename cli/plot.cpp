@@ -29,7 +29,7 @@ constexpr double kLeft = 100.0, kRight = 700.0, kTop = 70.0, kBottom = 560.0;
 constexpr double kLegendX = 725.0;
 constexpr double kRow = 18.0;  // legend row height
 constexpr std::size_t kMostEnergies = 8;
-constexpr std::size_t kLabelChars = 36;  // of a set label in the legend
+constexpr std::size_t kLabelChars = 28;  // of a set label in the legend: 14 px bold, 265 px wide
 
 const char *const kPalette[] = {"#1f77b4", "#d62728", "#2ca02c", "#ff7f0e",
                                 "#9467bd", "#8c564b", "#e377c2", "#17becf"};
@@ -150,16 +150,13 @@ std::string dim_words(int32_t dim) {
     }
 }
 
-// A shell by number, with its binding energy for ionisation; the shells of
-// excitation are levels, named with their energy.
+// A shell by number, with its binding energy for ionisation.  The shells of
+// excitation are levels, named by number alone: once read from a file their
+// km is the target's binding energy of that row, not the level's energy.
 std::string shell_name(const SVLKXS &s, const SVLKXSSH &sh) {
     const int32_t n = sh.shell;
     if (n == 0) return s.nShell > 1 ? "sum of shells" : "all shells";
-    if (s.IA == 3) {
-        std::string name = "level " + std::to_string(n);
-        if (sh.nE > 0 && sh.pE != nullptr && sh.pE[0].km > 0.0) name += ", " + short_g(sh.pE[0].km * 1e3) + " eV";
-        return name;
-    }
+    if (s.IA == 3) return "level " + std::to_string(n);
     std::string name = "shell " + std::to_string(n);
     if (s.IA == 2 && s.targ.pShell != nullptr && n > 0 && n <= s.targ.nShell && s.targ.pShell[n].Ebind > 0.0)
         name += ", B = " + short_g(s.targ.pShell[n].Ebind * 1e3) + " eV";

@@ -232,6 +232,8 @@ TEST(Calc, ModelsByProjectileAndInteraction) {
         EXPECT_EQ(r.status, 0) << c.args << "\n" << r.err;
         EXPECT_EQ(shape(dir.prefix() + c.file), std::pair(c.shells, c.energies)) << c.args;
         EXPECT_TRUE(std::filesystem::exists(dir.prefix() + c.file + ".svg")) << c.args;
+        // Cosines are written times WNorm, and the tool says so.
+        EXPECT_EQ(r.err.find("times WNorm") != std::string::npos, std::string_view(c.file) == "e.H2O.ls.xs") << r.err;
     }
 }
 
