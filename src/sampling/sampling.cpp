@@ -67,6 +67,11 @@ double between(double a, double c, const Bracket &b, double E) noexcept {
     return a + b.linear(E) * (c - a);
 }
 
+// The grid value at u on the step of a cumulated table that begins at k.
+inline double at_step(const double *x, const double *cum, int32_t n, int32_t k, double u) noexcept {
+    return k == n - 1 ? x[k] : x[k] + (u - cum[k]) * (x[k + 1] - x[k]) / (cum[k + 1] - cum[k]);
+}
+
 // The point where a normalised cumulated table reaches u, linear between
 // grid points.  A table over a descending grid is read at 1 - u, so that
 // the result grows with u whichever way the grid runs.  False for a table
@@ -79,8 +84,31 @@ bool invert(const double *x, const double *cum, int32_t n, double u, double &out
         return true;
     }
     // cum[k] <= u < cum[k + 1]: a rising step, never a flat one.
-    const int32_t k = last_at_or_below(cum, n, u, [](double c) { return c; });
-    out = k == n - 1 ? x[k] : x[k] + (u - cum[k]) * (x[k + 1] - x[k]) / (cum[k + 1] - cum[k]);
+    out = at_step(x, cum, n, last_at_or_below(cum, n, u, [](double c) { return c; }), u);
+    return true;
+}
+
+// Two records' first-level tables read at one u, as invert reads each, when
+// both are of one length, ascending, rising and at or below u at their
+// start (the common case): the two searches share one loop, so that the
+// loads of one overlap those of the other.  False leaves it to invert.
+bool invert_pair(const SVLKXSE &a, const SVLKXSE &c, double u, double &va, double &vc) noexcept {
+    const int32_t n = a.n1;
+    if (n != c.n1 || n < 2 || a.dv1 == nullptr || a.dvCum1 == nullptr || c.dv1 == nullptr || c.dvCum1 == nullptr)
+        return false;
+    const double *ca = a.dvCum1, *cc = c.dvCum1;
+    if (!(ca[n - 1] > 0.0 && cc[n - 1] > 0.0 && ca[0] <= u && cc[0] <= u) || a.dv1[0] > a.dv1[n - 1] ||
+        c.dv1[0] > c.dv1[n - 1])
+        return false;
+    const double *pa = ca, *pc = cc;
+    for (int32_t m = n; m > 1;) {
+        const int32_t half = m / 2;
+        pa = pa[half] <= u ? pa + half : pa;
+        pc = pc[half] <= u ? pc + half : pc;
+        m -= half;
+    }
+    va = at_step(a.dv1, ca, n, static_cast<int32_t>(pa - ca), u);
+    vc = at_step(c.dv1, cc, n, static_cast<int32_t>(pc - cc), u);
     return true;
 }
 
@@ -248,9 +276,13 @@ SCMDSTATUS VLKXSSampleW(const SVLKXS *set, int32_t ish, double E, double u, doub
         if (!unit_interval(u)) return VLKXS_C_RANGE;
         // Elastic tables run over cosines: VLKXSSampleCos serves them.
         if (set->dim < 1 || set->dim > 2 || set->IA == 1) return VLKXS_C_DBINIT;
-        double x = 0.0;
-        const Got g = mix(*sh, b, [u](const SVLKXSE &r, double &v) { return first_level(r, u, v); }, x);
-        if (g != Got::Value) return code_of(g);
+        double x = 0.0, x0 = 0.0, x1 = 0.0;
+        if (b.f != 0.0 && invert_pair(sh->pE[b.j], sh->pE[b.j + 1], u, x0, x1)) {
+            x = x0 + b.f * (x1 - x0);
+        } else {
+            const Got g = mix(*sh, b, [u](const SVLKXSE &r, double &v) { return first_level(r, u, v); }, x);
+            if (g != Got::Value) return code_of(g);
+        }
         // Ionisation grids hold fractions of WNorm.
         *W = set->IA == 2 ? x * vlk::wnorm(E, set->proj.type) : x;
         return VLKXS_C_OK;

@@ -80,6 +80,42 @@ TEST(Sampling, SecondaryEnergiesFollowTheTables) {
     }
 }
 
+// Between two records a sample is the mean, in ln E, of the two records'
+// quantiles at the same u, in fractions of WNorm: for grids of one length
+// (searched together) and of different lengths alike.
+TEST(Sampling, SecondaryEnergiesMixTheQuantilesOfTwoRecords) {
+    Water open_grid;
+    SVLKXS listed;
+    VLKXSInit(&listed, 0);
+    VLKProjFromStr(&listed.proj, "e", 0);
+    VLKTargImportMaterial(&listed.targ, "H2O", 0);
+    listed.IA = 2;
+    listed.dim = 1;
+    double E[] = {0.1, 0.3}, Wl[] = {0.0, 1e-3, 0.01, 0.02, 0.04, 0.1};
+    SVLKXSCALC rq{};
+    rq.method = 7;
+    rq.pE = E;
+    rq.nE = 2;
+    rq.pW = Wl;
+    rq.nW = 6;
+    ASSERT_EQ(VLKXSCalcEI(&listed, &rq, 0).code, 0);
+    const double rest = 510.99906;
+    const auto wnorm = [rest](double e) { return 2.0 * e * (e + 2.0 * rest) / rest; };
+    std::mt19937_64 rng(11);
+    std::uniform_real_distribution<double> uni(0.0, 1.0);
+    for (const SVLKXS *s : {&open_grid.set, &listed}) {
+        const SVLKXSSH &sh = s->pShell[0];
+        const SVLKXSE &a = sh.pE[sh.nE - 2], &c = sh.pE[sh.nE - 1];
+        for (int i = 0; i < 2000; ++i) {
+            const double e = a.E * std::pow(c.E / a.E, uni(rng)), u = uni(rng);
+            const double f = std::log(e / a.E) / std::log(c.E / a.E);
+            const double qa = W(*s, 0, a.E, u) / a.WNorm, qc = W(*s, 0, c.E, u) / c.WNorm;
+            EXPECT_NEAR(W(*s, 0, e, u) / wnorm(e), qa + f * (qc - qa), 1e-12 * (qa + qc)) << e << " " << u;
+        }
+    }
+    VLKXSFree(&listed, 0);
+}
+
 // Sigma and Ekin are each record's own at its energy, log-log between.
 TEST(Sampling, SigmaAndEkinBetweenRecords) {
     Water w;
