@@ -63,8 +63,10 @@ int main(int argc, char **argv) try {
         auto &s = *sets.emplace_back(std::make_unique<Set>(argv[i]));
         check(VLKXSList(s.get(), 0), argv[i]);
         check(VLKXSWrite(s.get(), argv[1], 0), argv[i]);
-        lo = std::max(lo, s.sum().pE[0].E);
-        hi = std::min(hi, s.sum().pE[s.sum().nE - 1].E);
+        if (const SVLKXSSH &sum = s.sum(); sum.nE > 0) {
+            lo = std::max(lo, sum.pE[0].E);
+            hi = std::min(hi, sum.pE[sum.nE - 1].E);
+        }
     }
     std::printf("%12s", "E");
     for (int i = 2; i < argc; ++i) std::printf(" %14.14s", base_name(argv[i]).c_str());
