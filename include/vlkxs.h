@@ -512,9 +512,9 @@ typedef struct SVLKXSCALC {
  *    axis takes the limits and the count, but only the first of them (E, W,
  *    A) the list; with none, nothing is stored.  Failures store nothing and
  *    are reported unless quiet: 2 a null request or text; 24 a text without
- *    items (`item` the whole text); 3 an item that isn't a number (`item` and
- *    `itemlen` the piece of the caller's text: the record is good only as
- *    long as that text lives); 1 no memory.
+ *    items (`item` the whole text); 3 an item that isn't a number or is a
+ *    NaN (`item` and `itemlen` the piece of the caller's text: the record is
+ *    good only as long as that text lives); 1 no memory.
  *  - VLKXSCalcInspect dumps the record to stderr, trace bit or not; 2 for a
  *    null request, reported unless quiet.
  *  - VLKXSCalcFree releases the three lists and zeroes the record, which can

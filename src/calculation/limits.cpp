@@ -5,6 +5,7 @@
 // against it, so it must not be an infinity.
 #include "core/core.hpp"
 
+#include <cmath>
 #include <limits>
 #include <string_view>
 #include <utility>
@@ -34,11 +35,19 @@ bool bad_number(SCMDSTATUS &st, std::string_view item) noexcept {
 // Only the first character decides: "*x" is an open end as well.
 constexpr bool open_end(std::string_view item) noexcept { return !item.empty() && item.front() == '*'; }
 
+// The converter reads "nan" as well, but a NaN has no place in an ordered
+// axis: it would leave the list unsorted and its ends no limits.  It is
+// refused as a bad number in every form.  An infinity is kept; the
+// calculators take it for an open end.
+bool convert(std::string_view item, double &value, bool strict) noexcept {
+    const int32_t r = cn2d(item.data(), static_cast<int32_t>(item.size()), &value);
+    return (strict ? r == 0 : r >= 0) && !std::isnan(value);
+}
+
 // An item of the forms of one and two items, already trimmed, that isn't an
 // open end: any refusal of the converter counts.
 bool number(SCMDSTATUS &st, std::string_view item, double &value) noexcept {
-    if (cn2d(item.data(), static_cast<int32_t>(item.size()), &value) != 0) return bad_number(st, item);
-    return true;
+    return convert(item, value, true) || bad_number(st, item);
 }
 
 // One item: a single number gives both limits, a star the whole range.
@@ -65,7 +74,7 @@ bool two_items(SCMDSTATUS &st, std::string_view first, std::string_view second, 
 // and the last may be open ends; a star elsewhere goes to the converter,
 // which refuses it, as it refuses the empty item between two commas.  The
 // list is sorted, duplicates kept; its ends are the limits.  Only a negative
-// result of the converter counts as a refusal.
+// result of the converter counts as a refusal (or a NaN).
 template <class Item>
 bool list_items(SCMDSTATUS &st, Item &&item, int32_t n, double *list, Limits &out) noexcept {
     for (int32_t i = 0; i < n; ++i) {
@@ -74,7 +83,7 @@ bool list_items(SCMDSTATUS &st, Item &&item, int32_t n, double *list, Limits &ou
             list[i] = kOpenLow;
         } else if (i == n - 1 && open_end(it)) {
             list[i] = kOpenHigh;
-        } else if (cn2d(it.data(), static_cast<int32_t>(it.size()), &list[i]) < 0) {
+        } else if (!convert(it, list[i], false)) {
             return bad_number(st, it);
         }
     }
