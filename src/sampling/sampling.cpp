@@ -68,7 +68,8 @@ double between(double a, double c, const Bracket &b, double E) noexcept {
 }
 
 // The grid value at u on the step of a cumulated table that begins at k.
-[[gnu::always_inline]] inline double at_step(const double *x, const double *cum, int32_t n, int32_t k, double u) noexcept {
+[[gnu::always_inline]] inline double at_step(const double *x, const double *cum, int32_t n, int32_t k,
+                                             double u) noexcept {
     return k == n - 1 ? x[k] : x[k] + (u - cum[k]) * (x[k + 1] - x[k]) / (cum[k + 1] - cum[k]);
 }
 
@@ -145,7 +146,8 @@ bool unit_interval(double u) noexcept { return u >= 0.0 && u < 1.0; }
 
 // The shell at index ish and the bracket of E in it, or the code of the
 // failure.
-[[gnu::always_inline]] inline int32_t locate(const SVLKXS &set, int32_t ish, double E, const SVLKXSSH *&sh, Bracket &b) noexcept {
+[[gnu::always_inline]] inline int32_t locate(const SVLKXS &set, int32_t ish, double E, const SVLKXSSH *&sh,
+                                             Bracket &b) noexcept {
     if (set.pShell == nullptr || ish < 0 || ish >= set.nShell) return VLKXS_C_NSHELL;
     sh = &set.pShell[ish];
     switch (bracket(*sh, E, b)) {
